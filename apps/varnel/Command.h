@@ -1,0 +1,35 @@
+#pragma once
+// Subcommands of the varnel tool. Each command file registers itself:
+//
+//   static const varnel::cli::CommandRegistration registration{"errors", &registerErrorsCommand};
+//
+// A command reports bad input by throwing UsageError (exit status 2 with its
+// message on stderr); it writes its results to the stream it is given.
+
+#include <stdexcept>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+namespace varnel::cli {
+
+/// Bad input from the user: unreadable file, malformed data, unknown value.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+using CommandRegistrar = void (*)(CLI::App& app);
+
+struct CommandRegistration {
+  CommandRegistration(const char* name, CommandRegistrar registrar);
+};
+
+/// Adds every registered command to `app`, in name order.
+void addRegisteredCommands(CLI::App& app);
+
+/// Reads a whole file, or standard input when `path` is "-" or empty.
+/// Throws UsageError when it cannot be read.
+std::string readInput(const std::string& path);
+
+}  // namespace varnel::cli
