@@ -1,0 +1,28 @@
+#pragma once
+// Turning a failed service call's platform error into a commerce error, and a
+// commerce error into a platform error.
+
+#include <optional>
+
+#include "varnel/errors/APError.h"
+#include "varnel/platform/Error.h"
+
+namespace varnel {
+
+/// Domain of an APError seen as a platform error.
+inline constexpr const char* kAPErrorDomain = "Varnel.APError";
+
+/// The case for an error from the booking services (order, contract,
+/// checkout): ConnectionError for a transport failure, otherwise read from the
+/// "jsonResponse" body; none when there is no usable body.
+std::optional<APError> APBookingServiceError(const Error& error);
+
+/// The case for an error from the entitlement-validation services; a body it
+/// cannot read gives GeneralEVASServiceError.
+std::optional<APError> APEvasError(const Error& error);
+
+/// The commerce error as a platform error: domain "Varnel.APError", code = raw
+/// value, no user information.
+Error toError(APError error);
+
+}  // namespace varnel
