@@ -1,0 +1,1 @@
+// Translation unit of a concern that has only headers.
