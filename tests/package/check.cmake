@@ -1,0 +1,28 @@
+# Installs the build tree into a scratch prefix, then builds and runs a consumer
+# through find_package(Varnel) and checks the pkg-config file.
+# Arguments: BUILD_DIR, SOURCE_DIR, WORK_DIR, CXX_FLAGS.
+file(REMOVE_RECURSE "${WORK_DIR}")
+set(prefix "${WORK_DIR}/prefix")
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "failed: ${ARGN}\n${out}\n${err}")
+  endif()
+  set(last_output "${out}" PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
+run(${CMAKE_COMMAND} -S "${SOURCE_DIR}/tests/package/consumer" -B "${WORK_DIR}/consumer" -G Ninja
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${CXX_FLAGS}")
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/consumer")
+run("${WORK_DIR}/consumer/consumer")
+if(NOT last_output MATCHES "1970-01-01 00:00:01 \\+0000")
+  message(FATAL_ERROR "consumer printed: ${last_output}")
+endif()
+
+set(ENV{PKG_CONFIG_PATH} "${prefix}/lib/pkgconfig")
+run(pkg-config --cflags --libs varnel)
+if(NOT last_output MATCHES "-lvarnel_platform")
+  message(FATAL_ERROR "pkg-config gave: ${last_output}")
+endif()
