@@ -17,10 +17,23 @@ namespace {
 using Component = VNLDateUtility::CalendarComponent;
 
 constexpr double kMillisPerSecond = 1000.0;
+// Dates are kept within five million years of 1970, well inside what the
+// calendar can compute without overflowing its day numbers.
+constexpr double kDaysPerYear = 365.2425;
+constexpr double kLimitInDays = 5'000'000 * kDaysPerYear;
+constexpr double kLimitInMillis = kLimitInDays * 86'400'000.0;
 
 std::optional<UDate> toUDate(Date date) {
-  if (!std::isfinite(date.timeIntervalSince1970)) return std::nullopt;
-  return date.timeIntervalSince1970 * kMillisPerSecond;
+  const double millis = date.timeIntervalSince1970 * kMillisPerSecond;
+  if (!std::isfinite(millis) || std::fabs(millis) > kLimitInMillis) return std::nullopt;
+  return millis;
+}
+
+/// Whether the calendar can build a date from these fields (month 0-based).
+bool withinCalendarLimits(int32_t year, int32_t month, int32_t day, int32_t minute) {
+  const double days = (year - 1970.0) * kDaysPerYear + month * (kDaysPerYear / 12) + day +
+                      minute / (24.0 * 60.0);
+  return std::fabs(days) < kLimitInDays;
 }
 
 Date fromUDate(UDate millis) { return Date::fromTimeIntervalSince1970(millis / kMillisPerSecond); }
@@ -159,7 +172,9 @@ Date VNLDateUtility::dateFromOffset(Date start, CalendarComponent calendarCompon
     case Component::minute: minute = addField(*minute, offsetAmount); break;
     default: break;
   }
-  if (!year || !month || !day || !minute) return defaultDate();
+  if (!year || !month || !day || !minute || !withinCalendarLimits(*year, *month, *day, *minute)) {
+    return defaultDate();
+  }
 
   // Only these four are set: the hour and the seconds come back as zero.
   calendar->clear();
