@@ -6,8 +6,10 @@
 //   booleans  true / false
 //   optionals Optional(x) or nil (strings quoted inside: Optional("a"))
 //   lists     ["a", "b"], [1.0, 2.5]
+//   maps      ["key": "value"], [:] when empty
 
 #include <concepts>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,6 +56,17 @@ std::string describe(const std::vector<T>& values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i) text += ", ";
     text += describeNested(values[i]);
+  }
+  return text + "]";
+}
+
+template <typename Key, typename Value, typename Compare, typename Allocator>
+std::string describe(const std::map<Key, Value, Compare, Allocator>& dictionary) {
+  if (dictionary.empty()) return "[:]";
+  std::string text = "[";
+  for (auto it = dictionary.begin(); it != dictionary.end(); ++it) {
+    if (it != dictionary.begin()) text += ", ";
+    text += describeNested(it->first) + ": " + describeNested(it->second);
   }
   return text + "]";
 }
