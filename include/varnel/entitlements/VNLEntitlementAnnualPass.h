@@ -9,12 +9,11 @@
 #include <string>
 #include <string_view>
 
+#include "varnel/dates/BlockoutGroup.h"
 #include "varnel/entitlements/VNLEntitlement.h"
 #include "varnel/entitlements/VNLEntitlementProtocols.h"
 
 namespace varnel {
-
-struct BlockoutGroup;  // varnel/dates/BlockoutGroup.h
 
 class VNLEntitlementAnnualPass : public VNLEntitlement,
                                  public VNLEntitlementTypeProtocol,
