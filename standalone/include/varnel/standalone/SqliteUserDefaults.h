@@ -1,0 +1,82 @@
+#pragma once
+// The stand-alone user-defaults store: one SQLite file, shared safely by
+// several processes.
+//
+// Every write goes through at once in its own transaction (write-ahead log,
+// synchronous=FULL), so a value whose write returned is on disk even if the
+// process is killed right after. Reads go to the file each time and so see
+// what other processes wrote. A write that could not be committed (the file
+// stayed locked, the disk is full) is kept in memory, still visible to this
+// process, and retried by synchronize(), which answers whether everything is
+// on disk.
+//
+// A file that is not such a store (not a database, damaged, another schema,
+// a value this store cannot decode) is refused by open() and left as it is.
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "varnel/platform/Result.h"
+#include "varnel/platform/UserDefaults.h"
+
+struct sqlite3;
+
+namespace varnel::standalone {
+
+/// Domain of the errors that open() and defaultPath() report. Their user
+/// information holds "message" (a sentence for people) and "path".
+inline constexpr const char* kSqliteUserDefaultsErrorDomain = "Varnel.SqliteUserDefaults";
+
+/// Name of the environment variable that chooses the store's file.
+inline constexpr const char* kDefaultsPathEnvironmentVariable = "VARNEL_DEFAULTS";
+
+class SqliteUserDefaults final : public UserDefaults {
+ public:
+  /// Opens the store at `path`, creating the file (and its folder) when it
+  /// does not exist yet.
+  static Result<std::shared_ptr<SqliteUserDefaults>> open(const std::filesystem::path& path);
+
+  /// Where the store lives unless told otherwise: $VARNEL_DEFAULTS when set,
+  /// else $XDG_CONFIG_HOME/varnel/defaults.sqlite3, else
+  /// ~/.config/varnel/defaults.sqlite3. Fails only without any home.
+  static Result<std::filesystem::path> defaultPath();
+
+  /// `explicitPath` when given, else defaultPath().
+  static Result<std::filesystem::path> resolvePath(const std::optional<std::filesystem::path>& explicitPath);
+
+  ~SqliteUserDefaults() override;
+  SqliteUserDefaults(const SqliteUserDefaults&) = delete;
+  SqliteUserDefaults& operator=(const SqliteUserDefaults&) = delete;
+
+  std::optional<DefaultsValue> objectForKey(std::string_view key) const override;
+  void setObject(std::string_view key, DefaultsValue value) override;
+  void removeObjectForKey(std::string_view key) override;
+  std::map<std::string, DefaultsValue, std::less<>> dictionaryRepresentation() const override;
+  /// Retries the writes that have not reached the file, then checkpoints the
+  /// log; true when every write so far is on disk.
+  bool synchronize() override;
+
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  SqliteUserDefaults(sqlite3* database, std::filesystem::path path);
+
+  /// Commits one write (a value, or a removal when none) in its own
+  /// transaction; false when it could not.
+  bool commit(const std::string& key, const std::optional<std::string>& encoded);
+  void write(std::string_view key, std::optional<DefaultsValue> value);
+
+  sqlite3* database_;
+  std::filesystem::path path_;
+  mutable std::mutex mutex_;
+  /// Writes not yet committed, by key; none marks a removal.
+  std::map<std::string, std::optional<DefaultsValue>, std::less<>> unsaved_;
+  /// A value was refused because it cannot be stored (not finite, not UTF-8).
+  bool refusedSinceSynchronize_ = false;
+};
+
+}  // namespace varnel::standalone

@@ -1,0 +1,321 @@
+#include "varnel/standalone/SqliteUserDefaults.h"
+
+#include <cstdlib>
+#include <exception>
+#include <set>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "varnel/host/KTVCPrintUtility.h"
+
+namespace varnel::standalone {
+namespace fs = std::filesystem;
+namespace {
+
+/// Marks a file as this store ("VNLD"), so that another program's database is
+/// never taken for one.
+constexpr int kApplicationId = 0x564E4C44;
+constexpr int kSchemaVersion = 1;
+/// How long a write waits for another process to release the file.
+constexpr int kBusyTimeoutMilliseconds = 10000;
+
+constexpr const char* kCreateSchema =
+    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL) WITHOUT ROWID";
+
+Error storeError(const fs::path& path, int code, const std::string& message) {
+  return Error{kSqliteUserDefaultsErrorDomain, code, Json{{"message", message}, {"path", path.string()}}};
+}
+
+/// One prepared statement, finalised on scope exit.
+class Statement {
+ public:
+  Statement(sqlite3* database, const char* sql) : database_(database) {
+    if (sqlite3_prepare_v2(database, sql, -1, &statement_, nullptr) != SQLITE_OK) statement_ = nullptr;
+  }
+  ~Statement() { sqlite3_finalize(statement_); }
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  bool prepared() const { return statement_ != nullptr; }
+  void bind(int index, std::string_view text) {
+    sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+  }
+  /// SQLITE_ROW, SQLITE_DONE or the error code.
+  int step() { return statement_ ? sqlite3_step(statement_) : sqlite3_errcode(database_); }
+  std::string text(int column) const {
+    const auto* bytes = sqlite3_column_text(statement_, column);
+    return bytes ? std::string(reinterpret_cast<const char*>(bytes),
+                               static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)))
+                 : std::string();
+  }
+  std::int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
+
+ private:
+  sqlite3* database_;
+  sqlite3_stmt* statement_ = nullptr;
+};
+
+bool execute(sqlite3* database, const char* sql) {
+  return sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+/// The single integer answered by a pragma or count query; none on failure.
+std::optional<std::int64_t> queryInteger(sqlite3* database, const char* sql) {
+  Statement statement(database, sql);
+  if (statement.step() != SQLITE_ROW) return std::nullopt;
+  return statement.integer(0);
+}
+
+std::optional<DefaultsValue> decodeStored(const std::string& text) {
+  const Json encoded = Json::parse(text, nullptr, false);
+  DefaultsValue value;
+  if (encoded.is_discarded() || !decodeDefaultsValue(encoded, value)) return std::nullopt;
+  return value;
+}
+
+/// The stored text of `value`, or none when it would not read back as the
+/// same value (a number that is not finite, a string that is not UTF-8).
+std::optional<std::string> encodeForStorage(const DefaultsValue& value) {
+  try {
+    std::string text = encodeDefaultsValue(value).dump();
+    const auto back = decodeStored(text);
+    if (back && *back == value) return text;
+  } catch (const std::exception&) {
+    // nlohmann::json refuses to write text that is not UTF-8.
+  }
+  return std::nullopt;
+}
+
+/// Reads the whole file once: refuses anything that is not a sound database.
+std::optional<Error> checkIntegrity(sqlite3* database, const fs::path& path) {
+  Statement check(database, "PRAGMA quick_check");
+  const int result = check.step();
+  if (result != SQLITE_ROW) {
+    return storeError(path, result,
+                      path.string() + " is not a user-defaults store: " + sqlite3_errmsg(database));
+  }
+  const std::string verdict = check.text(0);
+  if (verdict != "ok") {
+    return storeError(path, SQLITE_CORRUPT, path.string() + " is damaged: " + verdict);
+  }
+  return std::nullopt;
+}
+
+/// Gives a new, empty file the store's schema. Another process may be doing
+/// the same at this moment: the immediate transaction lets only one of them.
+std::optional<Error> createSchemaIfEmpty(sqlite3* database, const fs::path& path) {
+  const auto tables = queryInteger(database, "SELECT count(*) FROM sqlite_master");
+  const auto applicationId = queryInteger(database, "PRAGMA application_id");
+  if (tables != 0 || applicationId != 0) return std::nullopt;
+
+  const auto failed = [&](const char* what) {
+    const std::string reason = sqlite3_errmsg(database);
+    execute(database, "ROLLBACK");
+    return storeError(path, sqlite3_errcode(database), "cannot " + std::string(what) + " " + path.string() + ": " + reason);
+  };
+  if (!execute(database, "PRAGMA journal_mode=WAL")) return failed("set up");
+  if (!execute(database, "BEGIN IMMEDIATE")) return failed("set up");
+  if (queryInteger(database, "SELECT count(*) FROM sqlite_master") == 0) {
+    const std::string stamp = "PRAGMA application_id=" + std::to_string(kApplicationId) +
+                              "; PRAGMA user_version=" + std::to_string(kSchemaVersion);
+    if (!execute(database, kCreateSchema) || !execute(database, stamp.c_str())) return failed("set up");
+  }
+  if (!execute(database, "COMMIT")) return failed("set up");
+  return std::nullopt;
+}
+
+std::optional<Error> checkSchema(sqlite3* database, const fs::path& path) {
+  const auto applicationId = queryInteger(database, "PRAGMA application_id");
+  if (applicationId != kApplicationId) {
+    return storeError(path, SQLITE_NOTADB,
+                      path.string() + " is a database of another program, not a user-defaults store");
+  }
+  const auto version = queryInteger(database, "PRAGMA user_version");
+  if (version != kSchemaVersion) {
+    return storeError(path, SQLITE_NOTADB,
+                      path.string() + " has user-defaults schema version " +
+                          std::to_string(version.value_or(-1)) + ", this program reads version " +
+                          std::to_string(kSchemaVersion));
+  }
+  std::set<std::string> columns;
+  Statement info(database, "SELECT name FROM pragma_table_info('defaults')");
+  while (info.step() == SQLITE_ROW) columns.insert(info.text(0));
+  if (columns != std::set<std::string>{"key", "value"}) {
+    return storeError(path, SQLITE_NOTADB, path.string() + " lacks the user-defaults table (key, value)");
+  }
+  return std::nullopt;
+}
+
+std::optional<Error> checkValues(sqlite3* database, const fs::path& path) {
+  Statement all(database, "SELECT key, value, typeof(value) FROM defaults");
+  int result;
+  while ((result = all.step()) == SQLITE_ROW) {
+    if (all.text(2) != "text" || !decodeStored(all.text(1))) {
+      return storeError(path, SQLITE_MISMATCH,
+                        path.string() + " holds a value this program cannot read, under key \"" + all.text(0) +
+                            "\"");
+    }
+  }
+  if (result != SQLITE_DONE) {
+    return storeError(path, result, "cannot read " + path.string() + ": " + sqlite3_errmsg(database));
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::path& path) {
+  std::error_code folderError;
+  if (path.has_parent_path()) fs::create_directories(path.parent_path(), folderError);
+  if (folderError) {
+    return storeError(path, SQLITE_CANTOPEN,
+                      "cannot create the folder of " + path.string() + ": " + folderError.message());
+  }
+
+  sqlite3* opened = nullptr;
+  const int result = sqlite3_open_v2(path.c_str(), &opened,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX, nullptr);
+  std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(opened, &sqlite3_close_v2);
+  if (result != SQLITE_OK) {
+    return storeError(path, result, "cannot open " + path.string() + ": " + sqlite3_errstr(result));
+  }
+  sqlite3_extended_result_codes(database.get(), 1);
+  sqlite3_busy_timeout(database.get(), kBusyTimeoutMilliseconds);
+
+  // Checks that only read come first, so that a foreign or damaged file is
+  // refused before anything is written to it.
+  for (auto check : {&checkIntegrity, &createSchemaIfEmpty, &checkSchema, &checkValues}) {
+    if (auto error = check(database.get(), path)) return *error;
+  }
+  if (!execute(database.get(), "PRAGMA journal_mode=WAL") || !execute(database.get(), "PRAGMA synchronous=FULL")) {
+    return storeError(path, sqlite3_errcode(database.get()),
+                      "cannot set up " + path.string() + ": " + sqlite3_errmsg(database.get()));
+  }
+  return std::shared_ptr<SqliteUserDefaults>(new SqliteUserDefaults(database.release(), path));
+}
+
+Result<fs::path> SqliteUserDefaults::defaultPath() {
+  const auto environment = [](const char* name) -> std::string {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+  };
+  if (auto chosen = environment(kDefaultsPathEnvironmentVariable); !chosen.empty()) return fs::path(chosen);
+  fs::path configuration = environment("XDG_CONFIG_HOME");
+  if (configuration.empty() || configuration.is_relative()) {
+    const auto home = environment("HOME");
+    if (home.empty()) {
+      return storeError({}, SQLITE_CANTOPEN,
+                        "no place for the user defaults: set VARNEL_DEFAULTS, XDG_CONFIG_HOME or HOME");
+    }
+    configuration = fs::path(home) / ".config";
+  }
+  return configuration / "varnel" / "defaults.sqlite3";
+}
+
+Result<fs::path> SqliteUserDefaults::resolvePath(const std::optional<fs::path>& explicitPath) {
+  if (explicitPath && !explicitPath->empty()) return *explicitPath;
+  return defaultPath();
+}
+
+SqliteUserDefaults::SqliteUserDefaults(sqlite3* database, fs::path path)
+    : database_(database), path_(std::move(path)) {}
+
+SqliteUserDefaults::~SqliteUserDefaults() { sqlite3_close_v2(database_); }
+
+std::optional<DefaultsValue> SqliteUserDefaults::objectForKey(std::string_view key) const {
+  std::lock_guard lock(mutex_);
+  if (auto pending = unsaved_.find(key); pending != unsaved_.end()) return pending->second;
+  Statement select(database_, "SELECT value FROM defaults WHERE key = ?1");
+  select.bind(1, key);
+  const int result = select.step();
+  if (result == SQLITE_DONE) return std::nullopt;
+  if (result != SQLITE_ROW) {
+    KTVCPrintUtility::errorPrint("cannot read " + path_.string() + ": " + sqlite3_errmsg(database_));
+    return std::nullopt;
+  }
+  auto value = decodeStored(select.text(0));
+  if (!value) {
+    KTVCPrintUtility::errorPrint("unreadable value under \"" + std::string(key) + "\" in " + path_.string());
+  }
+  return value;
+}
+
+std::map<std::string, DefaultsValue, std::less<>> SqliteUserDefaults::dictionaryRepresentation() const {
+  std::lock_guard lock(mutex_);
+  std::map<std::string, DefaultsValue, std::less<>> values;
+  Statement all(database_, "SELECT key, value FROM defaults");
+  int result;
+  while ((result = all.step()) == SQLITE_ROW) {
+    if (auto value = decodeStored(all.text(1))) {
+      values.emplace(all.text(0), std::move(*value));
+    } else {
+      KTVCPrintUtility::errorPrint("unreadable value under \"" + all.text(0) + "\" in " + path_.string());
+    }
+  }
+  if (result != SQLITE_DONE) {
+    KTVCPrintUtility::errorPrint("cannot read " + path_.string() + ": " + sqlite3_errmsg(database_));
+  }
+  for (const auto& [key, pending] : unsaved_) {
+    if (pending) {
+      values.insert_or_assign(key, *pending);
+    } else {
+      values.erase(key);
+    }
+  }
+  return values;
+}
+
+void SqliteUserDefaults::setObject(std::string_view key, DefaultsValue value) { write(key, std::move(value)); }
+
+void SqliteUserDefaults::removeObjectForKey(std::string_view key) { write(key, std::nullopt); }
+
+void SqliteUserDefaults::write(std::string_view key, std::optional<DefaultsValue> value) {
+  std::optional<std::string> encoded;
+  if (value) {
+    encoded = encodeForStorage(*value);
+    if (!encoded) {
+      KTVCPrintUtility::errorPrint("refused to store the value under \"" + std::string(key) +
+                                   "\": it contains a number that is not finite or text that is not UTF-8");
+      std::lock_guard lock(mutex_);
+      refusedSinceSynchronize_ = true;
+      return;
+    }
+  }
+  std::lock_guard lock(mutex_);
+  const std::string ownedKey(key);
+  if (commit(ownedKey, encoded)) {
+    unsaved_.erase(ownedKey);
+  } else {
+    unsaved_.insert_or_assign(ownedKey, std::move(value));
+  }
+}
+
+bool SqliteUserDefaults::commit(const std::string& key, const std::optional<std::string>& encoded) {
+  // One statement in autocommit mode is its own transaction.
+  Statement statement(database_, encoded ? "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
+                                           "ON CONFLICT (key) DO UPDATE SET value = excluded.value"
+                                         : "DELETE FROM defaults WHERE key = ?1");
+  statement.bind(1, key);
+  if (encoded) statement.bind(2, *encoded);
+  if (statement.step() == SQLITE_DONE) return true;
+  KTVCPrintUtility::errorPrint("cannot write \"" + key + "\" to " + path_.string() + ": " +
+                               sqlite3_errmsg(database_));
+  return false;
+}
+
+bool SqliteUserDefaults::synchronize() {
+  std::lock_guard lock(mutex_);
+  for (auto pending = unsaved_.begin(); pending != unsaved_.end();) {
+    const auto encoded = pending->second ? encodeForStorage(*pending->second) : std::nullopt;
+    pending = commit(pending->first, encoded) ? unsaved_.erase(pending) : std::next(pending);
+  }
+  // Committed writes are already durable in the log; folding it into the
+  // main file only keeps the log short, so a busy reader is no failure.
+  sqlite3_wal_checkpoint_v2(database_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+  const bool everythingWritten = unsaved_.empty() && !refusedSinceSynchronize_;
+  refusedSinceSynchronize_ = false;
+  return everythingWritten;
+}
+
+}  // namespace varnel::standalone
