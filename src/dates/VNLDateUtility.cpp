@@ -1,6 +1,7 @@
 #include "varnel/dates/VNLDateUtility.h"
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -74,7 +75,7 @@ std::optional<UDate> startOfDay(icu::Calendar& calendar, UDate millis) {
 
 Date VNLDateUtility::date(std::string_view from, std::string_view dateFormat) {
   icu::SimpleDateFormat* formatter = dates::systemFormatterWithFormat(dateFormat);
-  if (formatter == nullptr) return defaultDate();
+  if (formatter == nullptr || from.size() > static_cast<std::size_t>(INT32_MAX)) return defaultDate();
   formatter->adoptTimeZone(icu::TimeZone::createDefault());
 
   const auto text =
