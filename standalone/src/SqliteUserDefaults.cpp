@@ -17,8 +17,6 @@ namespace {
 /// never taken for one.
 constexpr int kApplicationId = 0x564E4C44;
 constexpr int kSchemaVersion = 1;
-/// How long a write waits for another process to release the file.
-constexpr int kBusyTimeoutMilliseconds = 10000;
 
 constexpr const char* kCreateSchema =
     "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL) WITHOUT ROWID";
@@ -165,7 +163,8 @@ std::optional<Error> checkValues(sqlite3* database, const fs::path& path) {
 
 }  // namespace
 
-Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::path& path) {
+Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::path& path,
+                                                                     std::chrono::milliseconds busyTimeout) {
   std::error_code folderError;
   if (path.has_parent_path()) fs::create_directories(path.parent_path(), folderError);
   if (folderError) {
@@ -181,7 +180,7 @@ Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::p
     return storeError(path, result, "cannot open " + path.string() + ": " + sqlite3_errstr(result));
   }
   sqlite3_extended_result_codes(database.get(), 1);
-  sqlite3_busy_timeout(database.get(), kBusyTimeoutMilliseconds);
+  sqlite3_busy_timeout(database.get(), static_cast<int>(busyTimeout.count()));
 
   // Checks that only read come first, so that a foreign or damaged file is
   // refused before anything is written to it.

@@ -13,6 +13,7 @@
 // A file that is not such a store (not a database, damaged, another schema,
 // a value this store cannot decode) is refused by open() and left as it is.
 
+#include <chrono>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -36,9 +37,14 @@ inline constexpr const char* kDefaultsPathEnvironmentVariable = "VARNEL_DEFAULTS
 
 class SqliteUserDefaults final : public UserDefaults {
  public:
+  /// How long a write waits for another process to release the file before
+  /// it is kept for synchronize() to retry.
+  static constexpr std::chrono::milliseconds kDefaultBusyTimeout{10000};
+
   /// Opens the store at `path`, creating the file (and its folder) when it
   /// does not exist yet.
-  static Result<std::shared_ptr<SqliteUserDefaults>> open(const std::filesystem::path& path);
+  static Result<std::shared_ptr<SqliteUserDefaults>> open(const std::filesystem::path& path,
+                                                          std::chrono::milliseconds busyTimeout = kDefaultBusyTimeout);
 
   /// Where the store lives unless told otherwise: $VARNEL_DEFAULTS when set,
   /// else $XDG_CONFIG_HOME/varnel/defaults.sqlite3, else
