@@ -9,7 +9,8 @@ namespace varnel {
 namespace {
 
 // The manager entitlements whose default renewal is being converted on this
-// thread, so that a renewal chain that leads back to one of them ends there.
+// thread. A renewal chain that leads back to one of them ends there: that
+// entitlement is converted again without its renewal.
 thread_local std::vector<const ENTMEntitlement*> renewalsInProgress;
 
 class RenewalInProgress {
@@ -27,13 +28,13 @@ class RenewalInProgress {
 }  // namespace
 
 void VNLEntitlementRenewableProtocol::populateRenewable(const ENTMEntitlement& from) {
-  if (!from.defaultRenewableProductId || !from.apRenewalOptions) return;
+  if (!from.defaultRenewableProductId || !from.apRenewalOptions || RenewalInProgress::contains(from)) return;
   const auto options = asEntitlementList(*from.apRenewalOptions);
   if (!options) return;
   const auto match = std::find_if(options->begin(), options->end(), [&](const ENTMEntitlementRef& option) {
     return option->productInstanceId == from.defaultRenewableProductId;
   });
-  if (match == options->end() || RenewalInProgress::contains(**match)) return;
+  if (match == options->end()) return;
   RenewalInProgress inProgress(from);
   setRenewableEntitlement(toVNLEntitlement(**match));
 }

@@ -26,9 +26,9 @@ class VNLEntitlementRenewableProtocol {
   /// When defaultRenewableProductId is present: the first of the manager's
   /// apRenewalOptions (when it is a list of entitlements) whose
   /// productInstanceId equals it, fully converted with toVNLEntitlement.
-  /// Otherwise, or when no option matches, nothing changes. An option that is
-  /// already being converted further up (a cyclic renewal chain) is not
-  /// converted again.
+  /// Otherwise, or when no option matches, nothing changes. In a renewal chain
+  /// that leads back to an entitlement whose renewal is being converted, that
+  /// entitlement's renewal is left unset (the chain ends instead of looping).
   void populateRenewable(const ENTMEntitlement& from);
   /// "renewableEntitlement": the renewal's own JSON, or null.
   void writeRenewableFields(Json& json) const;
