@@ -132,8 +132,8 @@ std::vector<RenewableGuest> VNLParseCreateOrderResponse::passHolder(
     if (const Json* name = stringDictionaryMember(guest, Key::name)) {
       fields.guestFirstName = stringOrEmpty(*name, Key::firstName);
       fields.guestLastName = stringOrEmpty(*name, Key::lastName);
-      fields.guestFullName = fields.guestFirstName + " " + fields.guestLastName;
     }
+    fields.guestFullName = fields.guestFirstName + " " + fields.guestLastName;
     if (const Json* phone = objectMember(guest, Key::phoneNumber)) {
       fields.phoneNumberType = stringOrEmpty(*phone, Key::type);
       fields.phoneNumber = stringOrEmpty(*phone, Key::number);

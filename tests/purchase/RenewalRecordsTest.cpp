@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <unordered_set>
+
+#include "varnel/purchase/RenewableState.h"
+#include "varnel/purchase/RenewalConfirmation.h"
+#include "varnel/purchase/RenewalOrder.h"
+
+namespace varnel {
+namespace {
+
+RenewableGuest guest(std::string firstName, std::string participantId) {
+  return RenewableGuest({.isMe = true,
+                         .avatarID = "av-1",
+                         .guestFirstName = firstName,
+                         .guestLastName = "Lovelace",
+                         .guestFullName = firstName + " Lovelace",
+                         .guestPassName = "Gold Pass",
+                         .dob = "1990-02-03",
+                         .streetAddress = "1 Main St\nApt 2",
+                         .city = "Springfield",
+                         .state = "StateThatMustNotAppear",
+                         .country = "US",
+                         .zipCode = "12345",
+                         .phoneNumber = "555-0100",
+                         .emailId = "ada@example.com",
+                         .participantId = participantId,
+                         .guestKuid = "kuid-1",
+                         .phoneNumberType = "MOBILE"});
+}
+
+TEST(RenewableProductDescription, ListsParticipantsInListForm) {
+  EXPECT_EQ((RenewableProduct{"Gold Pass", {"p1", "p2"}}).debugDescription(),
+            "Pass Name: Gold Pass \n ParticipantId: [\"p1\", \"p2\"]");
+  EXPECT_EQ(RenewableProduct{}.debugDescription(), "Pass Name:  \n ParticipantId: []");
+}
+
+TEST(RenewableGuestDescription, SixteenLabelledLinesWithoutTheState) {
+  const std::string text = guest("Ada", "p1").debugDescription();
+  EXPECT_EQ(text,
+            "isMe: true \n AvtarID: av-1 \n First Name: Ada \n Last Name: Lovelace \n Full Name: Ada Lovelace"
+            " \n PassName: Gold Pass \n date of birth: 1990-02-03 \n street Address: 1 Main St\nApt 2"
+            " \n city: Springfield \n Country: US \n ZipCode: 12345 \n phone Number: 555-0100"
+            " \n emailId: ada@example.com \n participant Id: p1 \n guest Kuid: kuid-1 \n phoneNumber Type: MOBILE");
+  EXPECT_EQ(text.find("StateThatMustNotAppear"), std::string::npos);
+  EXPECT_EQ(RenewableGuest().debugDescription().rfind("isMe: false", 0), 0u);
+}
+
+TEST(RenewalPricingDescription, AbsentAmountsPrintAsEmptyText) {
+  EXPECT_EQ(RenewalPricing{}.debugDescription(),
+            "subtotal:  \n gratuity:  \n total:  \n currency:  \n taxIncluded: false \n taxAmount:  "
+            "\n monthlyPaymentAmount:  \n downPaymentAmount:  \n depositDue: ");
+  RenewalPricing pricing;
+  pricing.subtotal = "100.00";
+  pricing.total = "108.00";
+  pricing.currency = "USD";
+  pricing.taxIncluded = true;
+  pricing.taxAmount = "8.00";
+  pricing.monthlyPaymentAmount = "9.00";
+  pricing.depositDue = "";
+  EXPECT_EQ(pricing.debugDescription(),
+            "subtotal: 100.00 \n gratuity:  \n total: 108.00 \n currency: USD \n taxIncluded: true "
+            "\n taxAmount: 8.00 \n monthlyPaymentAmount: 9.00 \n downPaymentAmount:  \n depositDue: ");
+}
+
+TEST(RenewalPricingJson, AbsentAmountsAreNullAndEmptyOnesStayText) {
+  RenewalPricing pricing;
+  pricing.subtotal = "1.00";
+  pricing.currency = "USD";
+  pricing.depositDue = "";
+  const Json json = pricing.toJson();
+  EXPECT_EQ(json.at("subtotal"), "1.00");
+  EXPECT_TRUE(json.at("total").is_null());
+  EXPECT_TRUE(json.at("monthlyPaymentAmount").is_null());
+  EXPECT_EQ(json.at("depositDue"), "");
+  EXPECT_EQ(json.at("taxIncluded"), false);
+  EXPECT_EQ(json.size(), 9u);
+}
+
+TEST(RenewalOrderDescription, DescribesOnlyTheFirstProductAndGuest) {
+  RenewalOrder order;
+  order.products = {{"Gold Pass", {"p1"}}, {"Silver Pass", {"p2"}}};
+  order.guests = {guest("Ada", "p1"), guest("Bob", "p2"), guest("Cy", "p3")};
+  order.pricing.currency = "USD";
+  order.bookingTermsAndConditions = "Be nice.";
+  const std::string expected = "Products: " + order.products[0].debugDescription() + " \n  Guests: " +
+                               order.guests[0].debugDescription() + " \n Pricing: " +
+                               order.pricing.debugDescription() + " \n Terms and condition Be nice.";
+  EXPECT_EQ(order.debugDescription(), expected);
+  EXPECT_EQ(expected.find("Silver"), std::string::npos);
+  EXPECT_EQ(expected.find("Bob"), std::string::npos);
+}
+
+TEST(RenewalOrderDescriptionDeathTest, AnOrderWithoutProductsOrGuestsStopsTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  RenewalOrder noProducts;
+  noProducts.guests = {guest("Ada", "p1")};
+  EXPECT_DEATH((void)noProducts.debugDescription(), "without products or guests");
+  RenewalOrder noGuests;
+  noGuests.products = {{"Gold Pass", {}}};
+  EXPECT_DEATH((void)noGuests.debugDescription(), "without products or guests");
+}
+
+TEST(RenewalRecords, CopiesAreIndependentValues) {
+  RenewalOrder order;
+  order.products = {{"Gold Pass", {"p1"}}};
+  RenewalOrder copy = order;
+  copy.products[0].participantId.push_back("p2");
+  EXPECT_EQ(order.products[0].participantId.size(), 1u);
+  EXPECT_NE(order, copy);
+}
+
+TEST(RenewalConfirmationJson, NestsRecordsAsObjects) {
+  RenewalPricing pricing;
+  pricing.currency = "USD";
+  RenewalPayment::Fields payment;
+  payment.cardType = "Visa";
+  payment.amount = "10.00";
+  const RenewalConfirmation confirmation({.products = {{"Gold Pass", {"p1"}}},
+                                          .guests = {guest("Ada", "p1")},
+                                          .pricing = pricing,
+                                          .payment = RenewalPayment(payment),
+                                          .paymentPlan = true,
+                                          .confirmationNumber = "C-1",
+                                          .status = "BOOKED"});
+  const Json json = confirmation.toJson();
+  EXPECT_EQ(json.at("payment").at("cardType"), "Visa");
+  EXPECT_EQ(json.at("payment").at("maskedCardNumber"), "");
+  EXPECT_EQ(json.at("guests").at(0).at("state"), "StateThatMustNotAppear");
+  EXPECT_EQ(json.at("products").at(0).at("participantId"), Json::array({"p1"}));
+  EXPECT_TRUE(json.at("pricing").at("total").is_null());
+  EXPECT_EQ(json.at("confirmationNumber"), "C-1");
+}
+
+TEST(RenewableStateRawValues, RoundTripAndRejectOtherText) {
+  for (RenewableState state : {RenewableState::eligibleNow, RenewableState::eligibleLater, RenewableState::ineligible}) {
+    EXPECT_EQ(RenewableState::fromRawValue(state.rawValue()), state);
+  }
+  EXPECT_EQ(RenewableState(RenewableState::eligibleNow).rawValue(), "eligibleForRenewNow");
+  EXPECT_EQ(RenewableState(RenewableState::eligibleLater).rawValue(), "eligibleForRenewLater");
+  EXPECT_EQ(RenewableState(RenewableState::ineligible).rawValue(), "ineligibleForRenew");
+  EXPECT_FALSE(RenewableState::fromRawValue("eligibleNow"));
+  EXPECT_FALSE(RenewableState::fromRawValue(""));
+  const std::unordered_set<RenewableState> states{RenewableState::eligibleNow, RenewableState::eligibleNow,
+                                                  RenewableState::ineligible};
+  EXPECT_EQ(states.size(), 2u);
+}
+
+}  // namespace
+}  // namespace varnel
