@@ -91,14 +91,6 @@ TEST_F(EntitlementBase, CopiesTheBaseFieldsAndKeepsDefaultsWhereTheManagerHasNot
   EXPECT_EQ(entitlement->avatarId(), "");
 }
 
-TEST_F(EntitlementBase, IsRenewableReadsAndWritesEntitlementRenewable) {
-  VNLEntitlement entitlement;
-  entitlement.setEntitlementRenewable(true);
-  EXPECT_TRUE(entitlement.isRenewable());
-  entitlement.setIsRenewable(false);
-  EXPECT_FALSE(entitlement.entitlementRenewable());
-}
-
 TEST_F(EntitlementBase, IsMeComparesTheProfileWithTheSignedInGuestExactly) {
   VNLEntitlement entitlement;
   entitlement.setProfileId("guest-kuid");
