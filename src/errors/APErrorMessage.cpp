@@ -45,8 +45,7 @@ std::string APErrorMessage::localizationKey(APError error, KTVCResortChoice park
       return park == kResortChoiceWest ? "com.varnel.checkout.validationError.nonSCAResident.message" : "";
     case APError::NonCAResident:
       return park == kResortChoiceWest ? "com.varnel.checkout.validationError.nonCAResident.message" : "";
-    case APError::PaymentLostConnection:
-      return "com.varnel.checkout.transactionalError.paymentLostConnection.message";
+    case APError::PaymentLostConnection: return "com.varnel.checkout.transactionalError.paymentLostConnection.message";
   }
   return {};
 }

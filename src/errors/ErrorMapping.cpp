@@ -104,8 +104,8 @@ std::optional<APError> APEvasError(const Error& error) {
     }
   }
 
-  for (std::string_view key : {ErrorConstants::kErrorCodeKey, ErrorConstants::kStatusCodeKey,
-                               ErrorConstants::kTypeIdKey}) {
+  for (std::string_view key :
+       {ErrorConstants::kErrorCodeKey, ErrorConstants::kStatusCodeKey, ErrorConstants::kTypeIdKey}) {
     if (auto mapped = validateEvasError(body, key)) return mapped;
   }
 

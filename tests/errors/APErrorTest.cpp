@@ -1,6 +1,6 @@
-#include <set>
-
 #include <gtest/gtest.h>
+
+#include <set>
 
 #include "varnel/errors/APError.h"
 #include "varnel/errors/ErrorMapping.h"

@@ -79,9 +79,9 @@ TEST_F(ErrorMappingTest, BookingLooksOnlyAtTheFirstElement) {
 }
 
 TEST_F(ErrorMappingTest, EvasNamedTypeIdsIgnoreNumericCodes) {
-  for (const auto& [typeId, expected] : {std::pair{"SYSTEM_UNAVAILABLE", APError::SYSTEM_UNAVAILABLE},
-                                         std::pair{"UNEXPECTED_ERROR", APError::UNEXPECTED_ERROR},
-                                         std::pair{"SYSTEM_ERROR", APError::SYSTEM_ERROR}}) {
+  for (const auto& [typeId, expected] :
+       {std::pair{"SYSTEM_UNAVAILABLE", APError::SYSTEM_UNAVAILABLE},
+        std::pair{"UNEXPECTED_ERROR", APError::UNEXPECTED_ERROR}, std::pair{"SYSTEM_ERROR", APError::SYSTEM_ERROR}}) {
     const Json body{{"errors", Json::array({Json{{"typeId", typeId}}})}, {"errorCode", "500"}};
     EXPECT_EQ(APEvasError(serviceError(body)), expected) << typeId;
   }
@@ -111,8 +111,7 @@ TEST_F(ErrorMappingTest, EvasNonDecimalCodeStopsTheSearch) {
   EXPECT_EQ(APEvasError(serviceError({{"errorCode", "E503"}, {"statusCode", "500"}})),
             APError::GeneralEVASServiceError);
   for (const Json& code : {Json("503 "), Json(""), Json("5.0e2"), Json("99999999999999999999999"), Json(true)}) {
-    EXPECT_EQ(APEvasError(serviceError({{"errorCode", code}, {"statusCode", "500"}})),
-              APError::GeneralEVASServiceError)
+    EXPECT_EQ(APEvasError(serviceError({{"errorCode", code}, {"statusCode", "500"}})), APError::GeneralEVASServiceError)
         << code.dump();
   }
   // A top-level "typeId" that is a code name rather than a number is not decimal either.
@@ -134,8 +133,7 @@ TEST_F(ErrorMappingTest, EvasWithoutAnyCodePrintsTheBodyOnce) {
 TEST_F(ErrorMappingTest, EvasWithoutABodyFallsBack) {
   EXPECT_EQ(APEvasError(Error{"test", 1, Json()}), APError::GeneralEVASServiceError);
   EXPECT_EQ(APEvasError(serviceError(Json::array({1, 2}))), APError::GeneralEVASServiceError);
-  EXPECT_EQ(APEvasError(Error{"net", -1, Json{{kErrorIsConnectionErrorKey, true}}}),
-            APError::GeneralEVASServiceError);
+  EXPECT_EQ(APEvasError(Error{"net", -1, Json{{kErrorIsConnectionErrorKey, true}}}), APError::GeneralEVASServiceError);
   EXPECT_EQ(evasDebugLines(), 3u);
 }
 

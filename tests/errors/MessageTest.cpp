@@ -74,7 +74,8 @@ TEST_F(MessageTest, WithoutAPhoneNumberTheTextIsNotFormatted) {
 TEST_F(MessageTest, ResidencyMessagesOnlyAtTheirResort) {
   EXPECT_EQ(APErrorMessage::message(APError::NonFLResident, kResortChoiceEast), "Florida only, call (407) 555-0100.");
   EXPECT_EQ(APErrorMessage::message(APError::NonFLResident, kResortChoiceWest), "");
-  EXPECT_EQ(APErrorMessage::message(APError::NonCAResident, kResortChoiceWest), "California only, call (714) 555-0199.");
+  EXPECT_EQ(APErrorMessage::message(APError::NonCAResident, kResortChoiceWest),
+            "California only, call (714) 555-0199.");
   EXPECT_EQ(APErrorMessage::message(APError::NonCAResident, kResortChoiceEast), "");
 
   for (APError residency : {APError::NonFLResident, APError::NonSCAResident, APError::NonCAResident}) {

@@ -116,9 +116,9 @@ TEST_F(NotificationBannerTest, UnknownResortShowsTheMessageWithoutANumber) {
   EXPECT_EQ(banner.shownCount, 1);
   bool fromBanner = false;
   for (const auto& line : log->lines()) {
-    fromBanner = fromBanner || (line.message == "Unknown Park used" &&
-                                line.site.file == "Classes/Errors/APNotificationBanner" &&
-                                line.site.function == "message(for:for:)");
+    fromBanner =
+        fromBanner || (line.message == "Unknown Park used" && line.site.file == "Classes/Errors/APNotificationBanner" &&
+                       line.site.function == "message(for:for:)");
   }
   EXPECT_TRUE(fromBanner);
 }

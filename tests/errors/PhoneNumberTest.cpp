@@ -11,7 +11,10 @@ TEST(VNLPhoneNumber, CleanStringKeepsOnlyDigitsInOrder) {
   EXPECT_EQ(VNLPhoneNumber("no digits here").cleanString(), "");
   EXPECT_EQ(VNLPhoneNumber("").cleanString(), "");
   // Digits from other scripts are not "0123456789".
-  EXPECT_EQ(VNLPhoneNumber("\xd9\xa1" "23").cleanString(), "23");
+  EXPECT_EQ(VNLPhoneNumber("\xd9\xa1"
+                           "23")
+                .cleanString(),
+            "23");
 }
 
 TEST(VNLPhoneNumber, OriginalStringCanBeReplaced) {

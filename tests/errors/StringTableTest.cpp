@@ -1,12 +1,12 @@
 // Checks the shipped English string table against the keys the module looks
 // up and the formats it applies to them.
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <fstream>
 #include <regex>
 #include <set>
-
-#include <gtest/gtest.h>
 
 #include "support/Fakes.h"
 #include "varnel/errors/APErrorMessage.h"

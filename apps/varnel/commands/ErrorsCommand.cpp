@@ -1,0 +1,175 @@
+// varnel errors: what a guest is shown for a failed commerce request.
+//
+//   varnel errors explain [FILE|-] --service booking|evas --park N
+//   [--connection] [--json] varnel errors list [--park N] [--json]
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Command.h"
+#include "varnel/errors/APErrorMessage.h"
+#include "varnel/errors/ErrorConstants.h"
+#include "varnel/errors/ErrorMapping.h"
+#include "varnel/errors/VNLPhoneUtility.h"
+#include "varnel/platform/Json.h"
+
+namespace varnel::cli {
+namespace {
+
+struct ExplainOptions {
+  std::string file = "-";
+  std::string service;
+  std::string park;
+  bool connection = false;
+  bool json = false;
+};
+
+struct ListOptions {
+  std::string park = std::to_string(kResortChoiceEast);
+  bool json = false;
+};
+
+KTVCResortChoice parsePark(const std::string& text) {
+  KTVCResortChoice park = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, status] = std::from_chars(text.data(), end, park);
+  if (text.empty() || status != std::errc() || stop != end) {
+    throw UsageError("--park must be an integer resort value (1 west, 2 east), not \"" + text + "\"");
+  }
+  return park;
+}
+
+std::string_view kindName(APError error) {
+  if (isConnectionError(error)) return "connection";
+  if (isSeviceError(error)) return "service";
+  if (isTransactionalError(error)) return "transactional";
+  return "validation";
+}
+
+// Output keeps the keys in the order a reader expects them.
+using OrderedJson = nlohmann::ordered_json;
+
+OrderedJson optionalJson(const std::optional<std::string>& value) {
+  return value ? OrderedJson(*value) : OrderedJson();
+}
+
+/// Everything a guest (and a developer) learns about one error at one park.
+OrderedJson describeError(APError error, KTVCResortChoice park) {
+  return OrderedJson{{"case", description(error)},
+                     {"rawValue", rawValue(error)},
+                     {"kind", kindName(error)},
+                     {"errorCode", optionalJson(errorCode(error))},
+                     {"message", APErrorMessage::message(error, park)},
+                     {"phone", optionalJson(VNLPhoneUtility::APPhoneNumber(error, park))}};
+}
+
+std::string dumpJson(const OrderedJson& value) { return value.dump(2, ' ', false, Json::error_handler_t::replace); }
+
+std::string textOr(const OrderedJson& value, std::string_view absent) {
+  return value.is_string() ? value.get<std::string>() : std::string(absent);
+}
+
+/// "label:" and the value aligned after it; an empty value leaves the label
+/// alone.
+std::string line(std::string_view label, std::string_view value) {
+  return value.empty() ? fmt::format("{}\n", label) : fmt::format("{:<11}{}\n", label, value);
+}
+
+void printDescription(const OrderedJson& described) {
+  std::cout << line("case:", described["case"].get<std::string>())
+            << line("raw value:", std::to_string(described["rawValue"].get<int>()))
+            << line("kind:", described["kind"].get<std::string>())
+            << line("errorCode:", textOr(described["errorCode"], "(none)"))
+            << line("message:", described["message"].get<std::string>())
+            << line("phone:", textOr(described["phone"], "(none)"));
+}
+
+void explain(const ExplainOptions& options) {
+  const KTVCResortChoice park = parsePark(options.park);
+  std::error_code ignored;
+  if (std::filesystem::is_directory(options.file, ignored))
+    throw UsageError("cannot read " + options.file + ": a directory");
+  const std::string input = readInput(options.file);
+  Json body = Json::parse(input, nullptr, /*allow_exceptions=*/false);
+  if (body.is_discarded()) {
+    throw UsageError("the error body in " + (options.file == "-" ? std::string("standard input") : options.file) +
+                     " is not JSON");
+  }
+
+  // The platform error as the service layer hands it over for a failed request.
+  const Error failure{std::string(ErrorConstants::errorDomain), 0,
+                      Json{{kErrorJsonResponseKey, std::move(body)}, {kErrorIsConnectionErrorKey, options.connection}}};
+  const std::optional<APError> error =
+      options.service == "booking" ? APBookingServiceError(failure) : APEvasError(failure);
+
+  if (!error) {
+    if (options.json) {
+      const OrderedJson none{{"case", nullptr},      {"rawValue", nullptr}, {"kind", nullptr},
+                             {"errorCode", nullptr}, {"message", nullptr},  {"phone", nullptr}};
+      std::cout << dumpJson(none) << '\n';
+    } else {
+      std::cout << "The booking error body maps to no commerce error.\n";
+    }
+    return;
+  }
+  const OrderedJson described = describeError(*error, park);
+  if (options.json) {
+    std::cout << dumpJson(described) << '\n';
+  } else {
+    printDescription(described);
+  }
+}
+
+void list(const ListOptions& options) {
+  const KTVCResortChoice park = parsePark(options.park);
+  OrderedJson all = OrderedJson::array();
+  for (int value = 0; value < kAPErrorCaseCount; ++value)
+    all.push_back(describeError(*apErrorFromRawValue(value), park));
+
+  if (options.json) {
+    std::cout << dumpJson(all) << '\n';
+    return;
+  }
+  for (const OrderedJson& described : all) {
+    std::string row =
+        fmt::format("{:>2}  {:<32} {:<13} {}", described["rawValue"].get<int>(), described["case"].get<std::string>(),
+                    described["kind"].get<std::string>(), described["message"].get<std::string>());
+    row.erase(row.find_last_not_of(' ') + 1);
+    std::cout << row << '\n';
+  }
+}
+
+void registerErrorsCommand(CLI::App& app) {
+  CLI::App* errors = app.add_subcommand("errors", "Commerce errors and the messages guests are shown");
+  errors->require_subcommand(1);
+
+  auto explainOptions = std::make_shared<ExplainOptions>();
+  CLI::App* explainCommand =
+      errors->add_subcommand("explain", "Map a service error body to its commerce error and guest message");
+  explainCommand->add_option("file", explainOptions->file, "JSON error body of the failed request ('-' for stdin)");
+  explainCommand->add_option("--service", explainOptions->service, "Service that answered: booking or evas")
+      ->required()
+      ->check(CLI::IsMember({"booking", "evas"}));
+  explainCommand->add_option("--park", explainOptions->park, "Resort value of the park context (1 west, 2 east)")
+      ->required();
+  explainCommand->add_flag("--connection", explainOptions->connection, "The request failed in transport");
+  explainCommand->add_flag("--json", explainOptions->json, "Print one JSON object");
+  explainCommand->callback([explainOptions] { explain(*explainOptions); });
+
+  auto listOptions = std::make_shared<ListOptions>();
+  CLI::App* listCommand = errors->add_subcommand("list", "Every commerce error with its kind and guest message");
+  listCommand->add_option("--park", listOptions->park, "Resort value of the park context (default 2, east)");
+  listCommand->add_flag("--json", listOptions->json, "Print a JSON array");
+  listCommand->callback([listOptions] { list(*listOptions); });
+}
+
+const CommandRegistration registration{"errors", &registerErrorsCommand};
+
+}  // namespace
+}  // namespace varnel::cli
