@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "varnel/errors/ErrorConstants.h"
 #include "varnel/host/KTVCPrintUtility.h"
@@ -20,6 +22,28 @@ bool reportsConnectionError(const Error& error) {
   if (flag->is_boolean()) return flag->get<bool>();
   if (flag->is_number_integer()) return flag->get<long long>() != 0;
   return false;
+}
+
+/// Whether `value` nests arrays and objects deeper than `limit` levels.
+/// Iterative, so that any depth can be measured.
+bool nestsDeeperThan(const Json& value, std::size_t limit) {
+  std::vector<std::pair<const Json*, std::size_t>> pending{{&value, 0}};
+  while (!pending.empty()) {
+    const auto [current, depth] = pending.back();
+    pending.pop_back();
+    if (!current->is_structured()) continue;
+    if (depth >= limit) return true;
+    for (const Json& child : *current) pending.emplace_back(&child, depth + 1);
+  }
+  return false;
+}
+
+/// The body as JSON text for a log line. The serializer recurses, so a body
+/// nested absurdly deep is summarised instead of written out.
+std::string logText(const Json& body) {
+  constexpr std::size_t kMaxLoggedDepth = 256;
+  if (nestsDeeperThan(body, kMaxLoggedDepth)) return "<JSON nested deeper than 256 levels>";
+  return body.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 /// The first element of the body's "errors" array when it is a dictionary of
@@ -109,8 +133,7 @@ std::optional<APError> APEvasError(const Error& error) {
     if (auto mapped = validateEvasError(body, key)) return mapped;
   }
 
-  const std::string text = body.dump(-1, ' ', false, Json::error_handler_t::replace);
-  KTVCPrintUtility::debugPrint("EVAS Error code not found on JSON response: " + text,
+  KTVCPrintUtility::debugPrint("EVAS Error code not found on JSON response: " + logText(body),
                                LogSite{"Classes/Errors/Error+APError", "APEvasError", __LINE__});
   return APError::GeneralEVASServiceError;
 }

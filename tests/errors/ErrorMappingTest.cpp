@@ -97,5 +97,12 @@ TEST_F(ErrorMappingTest, EvasWithoutAnyCodeFallsBackAndPrintsTheBody) {
   EXPECT_EQ(evasDebugLines(), 3u);
 }
 
+TEST_F(ErrorMappingTest, EvasLogsAnyBodyWithoutCrashing) {
+  const std::string deep = R"({"a":)" + std::string(100000, '[') + std::string(100000, ']') + "}";
+  EXPECT_EQ(APEvasError(withBody(deep)), APError::GeneralEVASServiceError);
+  ASSERT_EQ(evasDebugLines(), 1u);
+  EXPECT_LT(log->lines().front().message.size(), 200u);
+}
+
 }  // namespace
 }  // namespace varnel
