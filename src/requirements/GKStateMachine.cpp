@@ -10,20 +10,11 @@ std::type_index classOf(const GKState& state) { return typeid(state); }
 }  // namespace
 
 bool GKState::isValidNextState(std::type_index) const { return true; }
-void GKState::didEnter(GKState*) {}
-void GKState::willExit(GKState*) {}
 
 GKStateMachine::GKStateMachine(std::vector<std::shared_ptr<GKState>> states) {
   for (auto& state : states) {
-    if (!state || stateForClass(classOf(*state))) continue;
-    state->stateMachine_ = this;
-    states_.push_back(std::move(state));
+    if (state && !stateForClass(classOf(*state))) states_.push_back(std::move(state));
   }
-}
-
-GKStateMachine::~GKStateMachine() {
-  // States may outlive the machine through their owners' references.
-  for (auto& state : states_) state->stateMachine_ = nullptr;
 }
 
 std::shared_ptr<GKState> GKStateMachine::stateForClass(std::type_index stateClass) const {
@@ -39,11 +30,7 @@ bool GKStateMachine::canEnterState(std::type_index stateClass) const {
 
 bool GKStateMachine::enter(std::type_index stateClass) {
   if (!canEnterState(stateClass)) return false;
-  auto next = stateForClass(stateClass);
-  auto previous = current_;
-  if (previous) previous->willExit(next.get());
-  current_ = next;
-  next->didEnter(previous.get());
+  current_ = stateForClass(stateClass);
   return true;
 }
 

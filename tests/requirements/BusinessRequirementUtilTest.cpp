@@ -1,7 +1,3 @@
-#include <functional>
-#include <thread>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 #include "RequirementsFixture.h"
@@ -65,6 +61,7 @@ TEST_F(BusinessRequirementUtilTest, PrecedenceBetweenRemoteAndLocalValues) {
       {"no remote configuration, local shown", std::nullopt, false, true, false, true, false},
       {"no remote configuration, asked for", std::nullopt, false, true, true, false, false},
       {"nothing anywhere", std::nullopt, false, std::nullopt, false, false, false},
+      {"nothing anywhere, asked for", std::nullopt, false, std::nullopt, true, false, false},
   };
   for (const auto& row : cases) {
     SCOPED_TRACE(row.name);
@@ -86,15 +83,6 @@ TEST_F(BusinessRequirementUtilTest, PrecedenceBetweenRemoteAndLocalValues) {
     EXPECT_EQ(Util::remoteValues(), recorded);
     EXPECT_EQ(Util::localValues(), local) << "settling a switch never writes the local table";
   }
-}
-
-TEST_F(BusinessRequirementUtilTest, EvasUsesOneKeyForRemoteAndLocal) {
-  EXPECT_TRUE(Util::setSwitchByBusinessRequirementKey(context, Keys::enableEvasKey, Keys::enableEvasKey, false));
-  EXPECT_FALSE(Util::setSwitchByBusinessRequirementKey(context, Keys::enableEvasKey, Keys::enableEvasKey, true));
-
-  setRemote(Json{{"com.orvane.EvasEnabled", false}});
-  EXPECT_FALSE(Util::setSwitchByBusinessRequirementKey(context, Keys::enableEvasKey, Keys::enableEvasKey, true));
-  EXPECT_EQ(Util::remoteValues(), (VNLBusinessRequirementValues{{"com.orvane.EvasEnabled", false}}));
 }
 
 TEST_F(BusinessRequirementUtilTest, RemoteRequirementIsTheRemoteBooleanOrFalse) {
@@ -129,25 +117,6 @@ TEST_F(BusinessRequirementUtilTest, EachSetterStoresItsOwnKeyWhateverUsingRemote
     }
   }
   EXPECT_TRUE(Util::remoteValues().empty());
-}
-
-TEST_F(BusinessRequirementUtilTest, TablesStayConsistentUnderConcurrentUse) {
-  setRemote(Json{{"enableAnnualPassportCommerce", true}});
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([t, this] {
-      for (int i = 0; i < 500; ++i) {
-        Util::switchRideslot(context, false, (i + t) % 2 == 0);
-        Util::setSwitchByBusinessRequirementKey(context, Keys::enableAnnualPassportCommerceRemoteKey,
-                                                Keys::enableAnnualPassportCommerceKey, true);
-        Util::localValues();
-      }
-      Util::switchRideslot(context, false, true);
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_TRUE(Util::localValue("enableRideslot"));
-  EXPECT_EQ(Util::remoteValues(), (VNLBusinessRequirementValues{{"enableAnnualPassportCommerce", true}}));
 }
 
 }  // namespace

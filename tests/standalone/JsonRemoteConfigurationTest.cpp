@@ -61,11 +61,5 @@ TEST_F(JsonRemoteConfigurationTest, UnusableFilesAreErrorsNamingTheFile) {
   }
 }
 
-TEST(JsonRemoteConfiguration, ANonObjectConfiguresNothing) {
-  const JsonRemoteConfiguration configuration(Json::array({"enableRideslot"}));
-  EXPECT_EQ(configuration.configurationValueByKey("enableRideslot"), std::nullopt);
-  EXPECT_EQ(configuration.configurationValueByKey("0"), std::nullopt);
-}
-
 }  // namespace
 }  // namespace varnel::standalone

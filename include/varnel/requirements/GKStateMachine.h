@@ -12,8 +12,6 @@
 
 namespace varnel {
 
-class GKStateMachine;
-
 class GKState {
  public:
   virtual ~GKState() = default;
@@ -21,25 +19,13 @@ class GKState {
   /// Whether the machine may go from this state to a state of `stateClass`.
   /// Allows every class unless a subclass decides otherwise.
   virtual bool isValidNextState(std::type_index stateClass) const;
-
-  /// Called on the state being entered, with the one left (null at first).
-  virtual void didEnter(GKState* previousState);
-  /// Called on the state being left, with the one about to be entered.
-  virtual void willExit(GKState* nextState);
-
-  /// The machine that holds this state; null until it is handed to one.
-  GKStateMachine* stateMachine() const { return stateMachine_; }
-
- private:
-  friend class GKStateMachine;
-  GKStateMachine* stateMachine_ = nullptr;
 };
 
 class GKStateMachine {
  public:
   /// Takes the states; of several states of one class, the first is kept.
   explicit GKStateMachine(std::vector<std::shared_ptr<GKState>> states);
-  virtual ~GKStateMachine();
+  virtual ~GKStateMachine() = default;
   GKStateMachine(const GKStateMachine&) = delete;
   GKStateMachine& operator=(const GKStateMachine&) = delete;
 
@@ -59,9 +45,8 @@ class GKStateMachine {
     return canEnterState(typeid(State));
   }
 
-  /// Moves to the state of `stateClass` when canEnterState allows it (the
-  /// current state is told willExit, the new one didEnter); false otherwise,
-  /// and the current state stays.
+  /// Moves to the state of `stateClass` when canEnterState allows it; false
+  /// otherwise, and the current state stays.
   bool enter(std::type_index stateClass);
   template <typename State>
   bool enter() {
