@@ -90,8 +90,12 @@ std::optional<Error> checkIntegrity(sqlite3* database, const fs::path& path) {
   Statement check(database, "PRAGMA quick_check");
   const int result = check.step();
   if (result != SQLITE_ROW) {
-    return storeError(path, result,
-                      path.string() + " is not a user-defaults store: " + sqlite3_errmsg(database));
+    const std::string reason = sqlite3_errmsg(database);
+    if ((result & 0xff) == SQLITE_NOTADB) {
+      return storeError(path, result, path.string() + " is not a user-defaults store: " + reason);
+    }
+    if ((result & 0xff) == SQLITE_CORRUPT) return storeError(path, result, path.string() + " is damaged: " + reason);
+    return storeError(path, result, "cannot read " + path.string() + ": " + reason);
   }
   const std::string verdict = check.text(0);
   if (verdict != "ok") {
