@@ -1,7 +1,9 @@
 #pragma once
 // A console reporter that also remembers each benchmark's CPU time per
 // iteration, so that a program can end with how its own code compares with
-// baselines measured in the same run.
+// baselines measured in the same run. CPU time rather than wall time, so that
+// other work on the machine disturbs the ratios less; run with
+// --benchmark_repetitions=N to compare medians.
 
 #include <cstdio>
 #include <map>
@@ -17,14 +19,21 @@ class RatioSummary : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
-      nanoseconds_[run.benchmark_name()] =
+      if (run.error_occurred) continue;
+      const double time =
           run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
+      if (run.run_type == Run::RT_Iteration) {
+        nanoseconds_[run.run_name.function_name] = time;
+      } else if (run.aggregate_name == "median") {
+        medians_[run.run_name.function_name] = time;
+      }
     }
   }
 
-  /// Nanoseconds per iteration of a benchmark, or a negative value when it did not run.
+  /// CPU nanoseconds per iteration of a benchmark (the median when it was
+  /// repeated), or a negative value when it did not run.
   double nanoseconds(const std::string& name) const {
+    if (const auto median = medians_.find(name); median != medians_.end()) return median->second;
     const auto found = nanoseconds_.find(name);
     return found == nanoseconds_.end() ? -1.0 : found->second;
   }
@@ -46,6 +55,7 @@ class RatioSummary : public benchmark::ConsoleReporter {
 
  private:
   std::map<std::string, double> nanoseconds_;
+  std::map<std::string, double> medians_;
 };
 
 /// Runs the registered benchmarks with `summary` as the console reporter.

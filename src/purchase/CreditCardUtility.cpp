@@ -1,5 +1,6 @@
 #include "varnel/purchase/CreditCardUtility.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -33,40 +34,61 @@ constexpr std::array<BrandPattern, 6> kBrandPatterns{{
 constexpr std::size_t kFewestCharacters = 14;
 constexpr std::size_t kMostCharacters = 26;
 
-/// The six patterns as one, each in its own group in table order, so that a
-/// single whole-input match tries them in turn and its group names the brand.
-/// Compiled once; a compiled pattern may be shared by threads.
-const icu::RegexPattern* brandPatterns() {
-  static const std::unique_ptr<icu::RegexPattern> compiled = [] {
-    icu::UnicodeString alternatives;
-    for (const auto& brand : kBrandPatterns) {
-      if (!alternatives.isEmpty()) alternatives += u'|';
-      alternatives += u'(';
-      alternatives += brand.pattern;
-      alternatives += u')';
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::RegexPattern> pattern(icu::RegexPattern::compile(alternatives, 0, status));
-    return U_SUCCESS(status) ? std::move(pattern) : nullptr;
-  }();
-  return compiled.get();
-}
+constexpr std::uint8_t kEveryPattern = (1u << kBrandPatterns.size()) - 1;
 
-/// The calling thread's matcher over the shared pattern, with the text it reads.
-struct ThreadMatcher {
-  icu::UnicodeString input;
-  std::unique_ptr<icu::RegexMatcher> matcher;
+/// The six patterns, compiled once (a compiled pattern may be shared by
+/// threads), and for each ASCII character the patterns that can match a
+/// number beginning with it, so that a number is only tried against those.
+struct CompiledBrands {
+  std::array<std::unique_ptr<icu::RegexPattern>, kBrandPatterns.size()> patterns;
+  std::array<std::uint8_t, 128> candidatesByFirstCharacter{};
 
-  static ThreadMatcher* get() {
-    thread_local ThreadMatcher local;
-    if (!local.matcher) {
-      const icu::RegexPattern* pattern = brandPatterns();
+  static const CompiledBrands* get() {
+    static const std::unique_ptr<CompiledBrands> compiled = build();
+    return compiled.get();
+  }
+
+ private:
+  static std::unique_ptr<CompiledBrands> build() {
+    auto brands = std::make_unique<CompiledBrands>();
+    for (std::size_t i = 0; i < kBrandPatterns.size(); ++i) {
       UErrorCode status = U_ZERO_ERROR;
-      if (pattern == nullptr) return nullptr;
-      local.matcher.reset(pattern->matcher(status));
-      if (U_FAILURE(status)) local.matcher.reset();
+      brands->patterns[i].reset(icu::RegexPattern::compile(kBrandPatterns[i].pattern, 0, status));
+      if (U_FAILURE(status)) return nullptr;
+      std::unique_ptr<icu::RegexMatcher> matcher(brands->patterns[i]->matcher(status));
+      if (U_FAILURE(status)) return nullptr;
+      // A pattern can start with a character when matching that character
+      // alone succeeds or runs into the end of the input wanting more.
+      for (char16_t first = 0; first < 128; ++first) {
+        const icu::UnicodeString alone(first);
+        matcher->reset(alone);
+        const bool matched = matcher->matches(status);
+        if (U_FAILURE(status)) return nullptr;
+        if (matched || matcher->hitEnd()) brands->candidatesByFirstCharacter[first] |= 1u << i;
+      }
     }
-    return local.matcher ? &local : nullptr;
+    return brands;
+  }
+};
+
+/// The calling thread's matchers over the shared patterns, with the text they read.
+struct ThreadMatchers {
+  icu::UnicodeString input;
+  std::array<std::unique_ptr<icu::RegexMatcher>, kBrandPatterns.size()> matchers;
+
+  static ThreadMatchers* get(const CompiledBrands& brands) {
+    thread_local ThreadMatchers local;
+    if (!local.matchers[0]) {
+      for (std::size_t i = 0; i < kBrandPatterns.size(); ++i) {
+        UErrorCode status = U_ZERO_ERROR;
+        local.matchers[i].reset(brands.patterns[i]->matcher(status));
+        if (U_FAILURE(status)) {
+          local.matchers[0].reset();
+          return nullptr;
+        }
+      }
+    }
+    return &local;
   }
 };
 
@@ -106,21 +128,30 @@ CreditCardUtility::CreditCardType CreditCardUtility::cardType(std::string_view c
   const bool ascii = isPlainAscii(cardNumber);
   if (ascii && !withinLengthBounds(cardNumber.size())) return Type::KTVRCreditCardType_Unknown;
 
-  ThreadMatcher* local = ThreadMatcher::get();
+  const CompiledBrands* brands = CompiledBrands::get();
+  ThreadMatchers* local = brands ? ThreadMatchers::get(*brands) : nullptr;
   if (local == nullptr) return Type::KTVRCreditCardType_Unknown;
-  local->input = icu::UnicodeString::fromUTF8(
-      icu::StringPiece(cardNumber.data(), static_cast<int32_t>(cardNumber.size())));
-  if (!ascii && !withinLengthBounds(characterCount(local->input))) {
-    return Type::KTVRCreditCardType_Unknown;
+
+  if (ascii) {
+    // At most 26 characters here: widen them in place.
+    std::array<char16_t, kMostCharacters> widened{};
+    std::copy(cardNumber.begin(), cardNumber.end(), widened.begin());
+    local->input.setTo(widened.data(), static_cast<int32_t>(cardNumber.size()));
+  } else {
+    local->input = icu::UnicodeString::fromUTF8(
+        icu::StringPiece(cardNumber.data(), static_cast<int32_t>(cardNumber.size())));
+    if (!withinLengthBounds(characterCount(local->input))) return Type::KTVRCreditCardType_Unknown;
   }
 
-  UErrorCode status = U_ZERO_ERROR;
-  local->matcher->reset(local->input);
-  if (!local->matcher->matches(status) || U_FAILURE(status)) return Type::KTVRCreditCardType_Unknown;
-  for (std::size_t group = 1; group <= kBrandPatterns.size(); ++group) {
-    if (local->matcher->start(static_cast<int32_t>(group), status) >= 0) {
-      return kBrandPatterns[group - 1].type;
-    }
+  const char16_t first = local->input.charAt(0);
+  const std::uint8_t candidates =
+      first < 128 ? brands->candidatesByFirstCharacter[first] : kEveryPattern;
+  for (std::size_t i = 0; i < kBrandPatterns.size(); ++i) {
+    if ((candidates & (1u << i)) == 0) continue;
+    UErrorCode status = U_ZERO_ERROR;
+    icu::RegexMatcher& matcher = *local->matchers[i];
+    matcher.reset(local->input);
+    if (matcher.matches(status) && U_SUCCESS(status)) return kBrandPatterns[i].type;
   }
   return Type::KTVRCreditCardType_Unknown;
 }
