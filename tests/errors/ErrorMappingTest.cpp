@@ -9,9 +9,10 @@ namespace {
 using Expected = std::optional<APError>;
 
 Error withBody(std::string_view body, bool connection = false) {
-  Json userInfo{{kErrorJsonResponseKey, Json::parse(body)}};
+  Json userInfo = Json::object();
+  userInfo[kErrorJsonResponseKey] = Json::parse(body);  // moved in: deep bodies are never copied
   if (connection) userInfo[kErrorIsConnectionErrorKey] = true;
-  return Error{"test", 400, userInfo};
+  return Error{"test", 400, std::move(userInfo)};
 }
 
 class ErrorMappingTest : public testing::HostFixture {
