@@ -1,6 +1,6 @@
 #pragma once
-// Test helpers: switch the device's time zone the way a user would (the TZ
-// variable, picked up again by ICU), and build instants from wall times.
+// Test helpers: switch the device's time zone as a user would (TZ, picked up
+// again by ICU), and build instants from wall times.
 
 #include <chrono>
 #include <cstdlib>
@@ -25,28 +25,22 @@ class DeviceTimeZone {
   DeviceTimeZone(const DeviceTimeZone&) = delete;
   DeviceTimeZone& operator=(const DeviceTimeZone&) = delete;
 
+ private:
   static void apply(const char* zone) {
-    if (zone != nullptr) {
-      setenv("TZ", zone, 1);
-    } else {
-      unsetenv("TZ");
-    }
+    zone ? setenv("TZ", zone, 1) : unsetenv("TZ");
     tzset();
     icu::TimeZone::adoptDefault(icu::TimeZone::detectHostTimeZone());
   }
-
- private:
   std::optional<std::string> previous_;
 };
 
-/// The instant of a wall time at a fixed UTC offset (hours east of UTC).
+/// The instant of a wall time at a fixed offset (hours east of UTC).
 inline Date wallTime(int year, unsigned month, unsigned day, int hour, int minute, double second,
                      int utcOffsetHours = 0) {
   using namespace std::chrono;
   const sys_days civil{std::chrono::year{year} / std::chrono::month{month} / std::chrono::day{day}};
-  const double seconds = static_cast<double>(civil.time_since_epoch().count()) * 86400.0 +
-                         (hour - utcOffsetHours) * 3600.0 + minute * 60.0 + second;
-  return Date::fromTimeIntervalSince1970(seconds);
+  return Date::fromTimeIntervalSince1970(static_cast<double>(civil.time_since_epoch().count()) * 86400.0 +
+                                         (hour - utcOffsetHours) * 3600.0 + minute * 60.0 + second);
 }
 
 }  // namespace varnel::testing
