@@ -2,6 +2,7 @@
 // The holder of a stored payment card. Read-only once made.
 
 #include <string>
+#include <utility>
 
 namespace varnel {
 
