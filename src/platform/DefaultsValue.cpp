@@ -13,6 +13,9 @@ template <typename... Handlers>
 struct Overloaded : Handlers... {
   using Handlers::operator()...;
 };
+// Spelled out for compilers without aggregate deduction (clang 14).
+template <typename... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 std::string base64(const DefaultsData& data) {
   std::string text(4 * ((data.size() + 2) / 3) + 1, '\0');
