@@ -136,6 +136,17 @@ TEST_F(VNLVarnelTest, RenewalsComeFromThePersistedStoreSoonestFirst) {
   ASSERT_FALSE(manager->requestedTypes.empty());
   EXPECT_EQ(static_cast<int>(manager->requestedTypes.front()), 7);
 
+  // The first renewal agrees with the ascending order of the converted list,
+  // an entitlement without an expiration (the unknown-date marker) first.
+  auto undated = std::make_shared<ENTMEntitlement>(*pass("UNDATED", true, kJune));
+  undated->passExpirationDate.reset();
+  manager->persisted->push_back(ENTMEntitlementRef(undated));
+  manager->persisted->push_back(pass("EARLIER-NOT-RENEWABLE", false, Date::fromTimeIntervalSince1970(0)));
+  const auto ascending = varnel.sortedByDateDescending(varnel.renewableEntitlements());
+  ASSERT_EQ(ids(ascending), (std::vector<std::string>{"UNDATED", "MARCH", "JUNE"}));
+  EXPECT_EQ(varnel.firstRenewableEntitlement()->productInstanceID(), "UNDATED");
+  EXPECT_EQ(varnel.firstRenewalDate(), Date::unknownMarker());
+
   // Nothing is cached: a changed store changes the answers.
   manager->persisted = ENTMAnyList{pass("LATER", true, kJune)};
   EXPECT_EQ(varnel.firstRenewableEntitlement()->productInstanceID(), "LATER");
