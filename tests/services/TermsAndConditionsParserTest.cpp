@@ -90,14 +90,5 @@ TEST_F(TermsAndConditionsParserTest, DescriptionsAreAbsentRatherThanEmptyWhenNot
   EXPECT_THAT(logged(), ElementsAre(kNoTexts, kNoTexts));
 }
 
-TEST_F(TermsAndConditionsParserTest, OrderWithoutTermsObjectWarnsOnce) {
-  const auto order = VNLParseCreateOrderResponse().parseCreateOrder({{"termsAndConditions", {"p1"}}});
-  EXPECT_THAT(order.termsAndConditionsPolicies, IsEmpty());
-  EXPECT_THAT(logged(), ElementsAre("WARNING: Could not retrieve terms & conditions policies"));
-  log->clear();
-  VNLParseCreateOrderResponse().parseCreateOrder({{"termsAndConditions", Json::object()}});
-  EXPECT_THAT(logged(), ElementsAre(kNoPolicies));
-}
-
 }  // namespace
 }  // namespace varnel
