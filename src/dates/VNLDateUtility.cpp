@@ -74,15 +74,23 @@ std::optional<UDate> startOfDay(icu::Calendar& calendar, UDate millis) {
 }  // namespace
 
 Date VNLDateUtility::date(std::string_view from, std::string_view dateFormat) {
-  icu::SimpleDateFormat* formatter = dates::systemFormatterWithFormat(dateFormat);
-  if (formatter == nullptr || from.size() > static_cast<std::size_t>(INT32_MAX)) return defaultDate();
-  formatter->adoptTimeZone(icu::TimeZone::createDefault());
+  dates::SystemDateFormatter* shared = dates::systemFormatterWithFormat(dateFormat);
+  if (shared == nullptr || from.size() > static_cast<std::size_t>(INT32_MAX)) return defaultDate();
+  icu::TimeZone* deviceZone = icu::TimeZone::createDefault();
+  if (deviceZone == nullptr) return defaultDate();
+  shared->parseCalendar->adoptTimeZone(deviceZone->clone());
+  shared->formatter->adoptTimeZone(deviceZone);
 
   const auto text =
       icu::UnicodeString::fromUTF8(icu::StringPiece(from.data(), static_cast<int32_t>(from.size())));
+  icu::Calendar& calendar = *shared->parseCalendar;
+  calendar.clear();
   icu::ParsePosition position(0);
-  const UDate millis = formatter->parse(text, position);
+  shared->formatter->parse(text, calendar, position);
   if (position.getErrorIndex() >= 0 || position.getIndex() != text.length()) return defaultDate();
+  UErrorCode status = U_ZERO_ERROR;
+  const UDate millis = calendar.getTime(status);
+  if (U_FAILURE(status)) return defaultDate();
   return fromUDate(millis);
 }
 
@@ -91,11 +99,11 @@ Date VNLDateUtility::shortDate(std::string_view from, std::string_view dateForma
 }
 
 std::string VNLDateUtility::dateString(Date from, std::string_view dateFormat) {
-  icu::SimpleDateFormat* formatter = dates::systemFormatterWithFormat(dateFormat);
+  dates::SystemDateFormatter* shared = dates::systemFormatterWithFormat(dateFormat);
   const auto millis = toUDate(from);
-  if (formatter == nullptr || !millis) return {};
+  if (shared == nullptr || !millis) return {};
   icu::UnicodeString text;
-  formatter->format(*millis, text);
+  shared->formatter->format(*millis, text);
   std::string result;
   text.toUTF8String(result);
   return result;

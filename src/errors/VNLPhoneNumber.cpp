@@ -41,8 +41,10 @@ std::string VNLPhoneNumber::locationNumber() const {
   }
   const std::string_view leading = std::string_view(clean).substr(0, clean.size() - kLocalDigits);
   const std::string_view areaCode = lastCharacters(leading, kAreaCodeDigits);
-  if (leading.size() <= kAreaCodeDigits) return "(" + std::string(areaCode) + ")";
-  return std::string(leading.substr(0, leading.size() - kAreaCodeDigits)) + "-(" + std::string(areaCode) + ")";
+  std::string location;
+  if (leading.size() > kAreaCodeDigits) location.append(leading.substr(0, leading.size() - kAreaCodeDigits)).append("-");
+  location.append("(").append(areaCode).append(")");
+  return location;
 }
 
 std::string VNLPhoneNumber::formattedString() const { return locationNumber() + " " + phoneNumber(); }
