@@ -1,10 +1,9 @@
 #pragma once
 // An entitlements manager for fetcher and facade tests: it records what it is
-// asked, keeps its listeners weakly like the real one, and answers only when
-// the test tells it to, on the test's thread.
+// asked, holds its listeners weakly like a real one, and answers only when
+// the test says so, on the test's thread.
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,30 +19,23 @@ class ScriptedEntitlementsManager final : public ENTMEntitlementsManager {
   }
   std::optional<std::string> kuid() const override { return signedInKuid; }
   std::optional<ENTMUserProfile> userProfile() const override { return std::nullopt; }
-
   void registerEntitlementListener(std::weak_ptr<ENTMEntitlementsListener> listener) override {
     ++registerCount;
-    auto candidate = listener.lock();
-    for (const auto& entry : listeners) {
-      if (entry.lock() == candidate) return;
-    }
+    removeEntitlementListener(listener.lock().get());
     listeners.push_back(std::move(listener));
   }
   void removeEntitlementListener(const ENTMEntitlementsListener* listener) override {
-    ++removeCount;
     std::erase_if(listeners, [listener](const auto& entry) { return entry.lock().get() == listener; });
   }
   void beginUpdateEntitlementsOfFilterType(ENTMEntitlementFilterType filter, const std::optional<Json>& userInfo) override {
-    requestedFilters.push_back(filter);
-    requestUserInfo = userInfo;
+    requests.push_back({filter, userInfo});
   }
   void retrieveAffiliationsFromUserInfo(const std::optional<Json>&) override { ++affiliationRequests; }
   std::optional<ENTMAnyList> persistedEntitlementsOfType(ENTMEntitlementType type) const override {
-    requestedTypes.push_back(type);
+    persistedTypes.push_back(type);
     return persisted;
   }
 
-  /// Listeners registered now and still alive.
   std::vector<std::shared_ptr<ENTMEntitlementsListener>> liveListeners() const {
     std::vector<std::shared_ptr<ENTMEntitlementsListener>> alive;
     for (const auto& entry : listeners) {
@@ -51,31 +43,20 @@ class ScriptedEntitlementsManager final : public ENTMEntitlementsManager {
     }
     return alive;
   }
-
-  // Answers to every registered listener, as the manager would after a download.
-  void answerEntitlements(const ENTMAnyList& list) {
-    for (const auto& listener : liveListeners()) listener->entitlementsUpdated(list, std::nullopt);
-  }
-  void answerAffiliations(const std::optional<std::vector<ENTMAffiliation>>& list) {
-    for (const auto& listener : liveListeners()) listener->entitlementsManagerUpdatedAffiliations(list, std::nullopt);
-  }
-  void answerFailure(const std::optional<Error>& error) {
-    for (const auto& listener : liveListeners()) {
-      listener->entitlementsManagerFetchFailed(ENTMEntitlementNameType::entitlements, error, std::nullopt);
-    }
+  /// Answers every registered listener, as after a download.
+  template <typename Call>
+  void answer(Call call) {
+    for (const auto& listener : liveListeners()) call(*listener);
   }
 
   std::optional<std::string> signedInKuid = "guest-kuid";
   std::optional<ENTMAnyList> persisted;
   std::shared_ptr<KTVCParkResortContext> configuredContext;
-
   std::vector<std::weak_ptr<ENTMEntitlementsListener>> listeners;
   int registerCount = 0;
-  int removeCount = 0;
   int affiliationRequests = 0;
-  std::vector<ENTMEntitlementFilterType> requestedFilters;
-  std::optional<Json> requestUserInfo;
-  mutable std::vector<ENTMEntitlementType> requestedTypes;
+  std::vector<std::pair<ENTMEntitlementFilterType, std::optional<Json>>> requests;
+  mutable std::vector<ENTMEntitlementType> persistedTypes;
 };
 
 }  // namespace varnel::testing
