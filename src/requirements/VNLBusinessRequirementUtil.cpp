@@ -34,6 +34,14 @@ Tables& tables() {
   return instance;
 }
 
+/// Runs `action` on the process-wide tables under their lock.
+template <typename Action>
+auto withTables(Action action) {
+  Tables& shared = tables();
+  std::lock_guard lock(shared.mutex);
+  return action(shared);
+}
+
 /// The remote configuration's value under `key` when it is a boolean.
 std::optional<bool> remoteBoolean(std::string_view key) {
   const auto configuration = host::Registry::get<KTVRRemoteConfiguration>();
@@ -44,62 +52,48 @@ std::optional<bool> remoteBoolean(std::string_view key) {
 }
 
 void setLocal(std::string_view key, bool value) {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  shared.local.insert_or_assign(std::string(key), value);
+  withTables([&](Tables& shared) { shared.local.insert_or_assign(std::string(key), value); });
 }
 
 }  // namespace
 
 bool VNLBusinessRequirementUtil::ignoreAPCommerceRemoteValues() {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  return shared.ignoreRemote;
+  return withTables([&](Tables& shared) { return shared.ignoreRemote; });
 }
 
 void VNLBusinessRequirementUtil::setIgnoreAPCommerceRemoteValues(bool ignore) {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  shared.ignoreRemote = ignore;
+  withTables([&](Tables& shared) { shared.ignoreRemote = ignore; });
 }
 
 VNLBusinessRequirementValues VNLBusinessRequirementUtil::remoteValues() {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  return shared.remote;
+  return withTables([&](Tables& shared) { return shared.remote; });
 }
 
 void VNLBusinessRequirementUtil::setRemoteValues(VNLBusinessRequirementValues values) {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  shared.remote = std::move(values);
+  withTables([&](Tables& shared) { shared.remote = std::move(values); });
 }
 
 VNLBusinessRequirementValues VNLBusinessRequirementUtil::localValues() {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  return shared.local;
+  return withTables([&](Tables& shared) { return shared.local; });
 }
 
 void VNLBusinessRequirementUtil::setLocalValues(VNLBusinessRequirementValues values) {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  shared.local = std::move(values);
+  withTables([&](Tables& shared) { shared.local = std::move(values); });
 }
 
 void VNLBusinessRequirementUtil::resetToInitialValues() {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  shared.ignoreRemote = false;
-  shared.remote.clear();
-  shared.local = initialLocalValues();
+  withTables([&](Tables& shared) {
+    shared.ignoreRemote = false;
+    shared.remote.clear();
+    shared.local = initialLocalValues();
+  });
 }
 
 bool VNLBusinessRequirementUtil::localValue(std::string_view key) {
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  const auto found = shared.local.find(key);
-  return found != shared.local.end() && found->second;
+  return withTables([&](Tables& shared) {
+    const auto found = shared.local.find(key);
+    return found != shared.local.end() && found->second;
+  });
 }
 
 bool VNLBusinessRequirementUtil::getRomoteBusinessRequirement(std::string_view key) {
@@ -115,18 +109,17 @@ bool VNLBusinessRequirementUtil::setSwitchByBusinessRequirementKey(const KTVCPar
                                                                    std::string_view BRKey, bool isUsingRemote) {
   // Ask the host before taking the lock: its lookup is not ours to serialise.
   const auto remote = remoteBoolean(remoteKey);
-  auto& shared = tables();
-  std::lock_guard lock(shared.mutex);
-  const auto local = shared.local.find(BRKey);
-  const bool hasLocal = local != shared.local.end();
-
-  if (remote && !shared.ignoreRemote) {
-    if (hasLocal && !isUsingRemote) return local->second;
-    shared.remote.insert_or_assign(std::string(remoteKey), *remote);
-    return *remote;
-  }
-  if (!hasLocal || isUsingRemote) return false;
-  return local->second;
+  return withTables([&](Tables& shared) {
+    const auto local = shared.local.find(BRKey);
+    const bool hasLocal = local != shared.local.end();
+    if (remote && !shared.ignoreRemote) {
+      if (hasLocal && !isUsingRemote) return local->second;
+      shared.remote.insert_or_assign(std::string(remoteKey), *remote);
+      return *remote;
+    }
+    if (!hasLocal || isUsingRemote) return false;
+    return local->second;
+  });
 }
 
 void VNLBusinessRequirementUtil::switchAPRenewals(const KTVCParkResortContext&, bool, bool overridingValue) {
