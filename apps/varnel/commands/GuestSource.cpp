@@ -56,15 +56,19 @@ std::string localDateText(Date date) {
   return std::string(text.data(), length);
 }
 
-std::string entitlementTable(const VNLVarnel::Entitlements& entitlements) {
-  using Row = std::array<std::string, 6>;
+std::string entitlementTable(const VNLVarnel::Entitlements& entitlements,
+                             const std::optional<EntitlementColumn>& extra) {
+  using Row = std::vector<std::string>;
   std::vector<Row> rows{{"CLASS", "PRODUCT INSTANCE ID", "DISPLAY NAME", "CATEGORY", "END OF VALIDITY", "RENEWABLE"}};
+  if (extra) rows.front().push_back(extra->heading);
   for (const auto& entitlement : entitlements) {
-    rows.push_back({entitlementClassName(*entitlement), entitlement->productInstanceID(),
-                    entitlement->passDisplayName(), entitlement->categoryID(),
-                    localDateText(entitlement->endValidityDate()), entitlement->entitlementRenewable() ? "yes" : "no"});
+    Row& row = rows.emplace_back(Row{entitlementClassName(*entitlement), entitlement->productInstanceID(),
+                                     entitlement->passDisplayName(), entitlement->categoryID(),
+                                     localDateText(entitlement->endValidityDate()),
+                                     entitlement->entitlementRenewable() ? "yes" : "no"});
+    if (extra) row.push_back(extra->text(*entitlement));
   }
-  std::array<std::size_t, 6> widths{};
+  std::vector<std::size_t> widths(rows.front().size());
   for (const Row& row : rows) {
     for (std::size_t column = 0; column < row.size(); ++column) {
       widths[column] = std::max(widths[column], row[column].size());

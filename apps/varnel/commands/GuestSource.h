@@ -3,7 +3,9 @@
 // served by the stand-alone entitlements manager, or the facade's mock list),
 // and how entitlements are printed.
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,9 +44,17 @@ std::string entitlementClassName(const VNLEntitlement& entitlement);
 /// A date in local time for people; "unknown" for the unknown-date marker.
 std::string localDateText(Date date);
 
+/// An extra column of the entitlement table: its heading and each row's text.
+struct EntitlementColumn {
+  std::string heading;
+  std::function<std::string(const VNLEntitlement&)> text;
+};
+
 /// An aligned table: class, product instance ID, display name, category, end
-/// of validity, renewable. One line per entitlement after the heading.
-std::string entitlementTable(const VNLVarnel::Entitlements& entitlements);
+/// of validity, renewable, and the extra column when one is given. One line
+/// per entitlement after the heading.
+std::string entitlementTable(const VNLVarnel::Entitlements& entitlements,
+                             const std::optional<EntitlementColumn>& extra = std::nullopt);
 
 /// One toJson() object per entitlement.
 Json entitlementsJson(const VNLVarnel::Entitlements& entitlements);

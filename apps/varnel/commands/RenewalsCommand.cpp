@@ -8,10 +8,19 @@
 
 #include "Command.h"
 #include "commands/GuestSource.h"
+#include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/platform/DefaultsValue.h"
+#include "varnel/purchase/RenewableState.h"
 
 namespace varnel::cli {
 namespace {
+
+/// The renewal state of an annual pass; none for other entitlements.
+std::optional<RenewableState> renewableState(const VNLEntitlement& entitlement) {
+  const auto* pass = dynamic_cast<const VNLEntitlementAnnualPass*>(&entitlement);
+  if (!pass) return std::nullopt;
+  return RenewableState(*pass);
+}
 
 void listRenewals(const GuestOptions& options) {
   GuestSource guest(options);
@@ -21,14 +30,23 @@ void listRenewals(const GuestOptions& options) {
   const Date firstRenewal = varnel.firstRenewalDate();
 
   if (options.json) {
+    Json renewableJson = entitlementsJson(renewable);
+    for (std::size_t i = 0; i < renewable.size(); ++i) {
+      const auto state = renewableState(*renewable[i]);
+      renewableJson[i]["renewableState"] = state ? Json(state->rawValue()) : Json(nullptr);
+    }
     nlohmann::ordered_json answer{{"count", renewable.size()},
                                   {"anyAPAbleToBeRenewed", any},
                                   {"firstRenewalDate", rfc3339(firstRenewal)},
-                                  {"renewable", entitlementsJson(renewable)}};
+                                  {"renewable", renewableJson}};
     std::cout << answer.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     return;
   }
-  if (!renewable.empty()) std::cout << entitlementTable(renewable) << '\n';
+  const EntitlementColumn stateColumn{"RENEWAL STATE", [](const VNLEntitlement& entitlement) {
+                                         const auto state = renewableState(entitlement);
+                                         return state ? std::string(state->rawValue()) : std::string();
+                                       }};
+  if (!renewable.empty()) std::cout << entitlementTable(renewable, stateColumn) << '\n';
   std::cout << "renewable:      " << renewable.size() << '\n'
             << "any renewable:  " << (any ? "yes" : "no") << '\n'
             << "first renewal:  " << (firstRenewal.isUnknownMarker() ? "none" : localDateText(firstRenewal)) << '\n';

@@ -143,6 +143,7 @@ void preset(const SettingsOptions& options) {
   const auto store = openStore(options);
   VNLCommerceSettings::setDefaultsFor(*configuration);
   requireWritten(*store);
+  std::cout << "Wrote the " << rawValue(*configuration) << " preset to " << store->path().string() << '\n';
 }
 
 void current(const SettingsOptions& options) {
