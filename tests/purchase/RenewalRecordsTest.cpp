@@ -10,23 +10,12 @@ namespace varnel {
 namespace {
 
 RenewableGuest guest(std::string firstName, std::string participantId) {
-  return RenewableGuest({.isMe = true,
-                         .avatarID = "av-1",
-                         .guestFirstName = firstName,
-                         .guestLastName = "Lovelace",
-                         .guestFullName = firstName + " Lovelace",
-                         .guestPassName = "Gold Pass",
-                         .dob = "1990-02-03",
-                         .streetAddress = "1 Main St\nApt 2",
-                         .city = "Springfield",
-                         .state = "StateThatMustNotAppear",
-                         .country = "US",
-                         .zipCode = "12345",
-                         .phoneNumber = "555-0100",
-                         .emailId = "ada@example.com",
-                         .participantId = participantId,
-                         .guestKuid = "kuid-1",
-                         .phoneNumberType = "MOBILE"});
+  return RenewableGuest({.isMe = true, .avatarID = "av-1", .guestFirstName = firstName, .guestLastName = "Lovelace",
+                         .guestFullName = firstName + " Lovelace", .guestPassName = "Gold Pass", .dob = "1990-02-03",
+                         .streetAddress = "1 Main St\nApt 2", .city = "Springfield",
+                         .state = "StateThatMustNotAppear", .country = "US", .zipCode = "12345",
+                         .phoneNumber = "555-0100", .emailId = "ada@example.com", .participantId = participantId,
+                         .guestKuid = "kuid-1", .phoneNumberType = "MOBILE"});
 }
 
 TEST(RenewableProductDescription, ListsParticipantsInListForm) {
@@ -50,31 +39,17 @@ TEST(RenewalPricingDescription, AbsentAmountsPrintAsEmptyText) {
   EXPECT_EQ(RenewalPricing{}.debugDescription(),
             "subtotal:  \n gratuity:  \n total:  \n currency:  \n taxIncluded: false \n taxAmount:  "
             "\n monthlyPaymentAmount:  \n downPaymentAmount:  \n depositDue: ");
-  RenewalPricing pricing;
-  pricing.subtotal = "100.00";
-  pricing.total = "108.00";
-  pricing.currency = "USD";
-  pricing.taxIncluded = true;
-  pricing.taxAmount = "8.00";
-  pricing.monthlyPaymentAmount = "9.00";
-  pricing.depositDue = "";
+  const RenewalPricing pricing{"100.00", std::nullopt, "108.00", "USD", true, "8.00", "9.00", std::nullopt, ""};
   EXPECT_EQ(pricing.debugDescription(),
             "subtotal: 100.00 \n gratuity:  \n total: 108.00 \n currency: USD \n taxIncluded: true "
             "\n taxAmount: 8.00 \n monthlyPaymentAmount: 9.00 \n downPaymentAmount:  \n depositDue: ");
 }
 
 TEST(RenewalPricingJson, AbsentAmountsAreNullAndEmptyOnesStayText) {
-  RenewalPricing pricing;
-  pricing.subtotal = "1.00";
-  pricing.currency = "USD";
-  pricing.depositDue = "";
-  const Json json = pricing.toJson();
-  EXPECT_EQ(json.at("subtotal"), "1.00");
-  EXPECT_TRUE(json.at("total").is_null());
-  EXPECT_TRUE(json.at("monthlyPaymentAmount").is_null());
-  EXPECT_EQ(json.at("depositDue"), "");
-  EXPECT_EQ(json.at("taxIncluded"), false);
-  EXPECT_EQ(json.size(), 9u);
+  const Json json = RenewalPricing{"1.00", std::nullopt, std::nullopt, "USD", false, std::nullopt, "", {}, {}}.toJson();
+  EXPECT_EQ(json, (Json{{"subtotal", "1.00"}, {"gratuity", nullptr}, {"total", nullptr}, {"currency", "USD"},
+                        {"taxIncluded", false}, {"taxAmount", nullptr}, {"monthlyPaymentAmount", ""},
+                        {"downPaymentAmount", nullptr}, {"depositDue", nullptr}}));
 }
 
 TEST(RenewalOrderDescription, DescribesOnlyTheFirstProductAndGuest) {
