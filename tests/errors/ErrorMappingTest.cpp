@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "support/Fakes.h"
 #include "varnel/errors/ErrorMapping.h"
 
 namespace varnel {
 namespace {
 
-using Expected = std::optional<APError>;
+using E = APError;
 
 Error withBody(std::string_view body, bool connection = false) {
   Json userInfo = Json::object();
@@ -15,94 +17,60 @@ Error withBody(std::string_view body, bool connection = false) {
   return Error{"test", 400, std::move(userInfo)};
 }
 
-class ErrorMappingTest : public testing::HostFixture {
- protected:
-  std::size_t evasDebugLines() const {
-    std::size_t count = 0;
-    for (const auto& line : log->lines()) {
-      count += line.message.starts_with("EVAS Error code not found on JSON response:");
-    }
-    return count;
-  }
-};
+using ErrorMappingTest = testing::HostFixture;
 
-TEST_F(ErrorMappingTest, Booking) {
-  const std::pair<const char*, Expected> cases[] = {
-      {R"({"errors":[{"typeId":"SYSTEM_UNAVAILABLE"}]})", APError::SYSTEM_UNAVAILABLE},
-      {R"({"errors":[{"typeId":"UNEXPECTED_ERROR"}]})", APError::UNEXPECTED_ERROR},
-      {R"({"errors":[{"typeId":"SYSTEM_ERROR"}]})", APError::SYSTEM_ERROR},
-      // The offline authorizer shares the declined card's code and is never told apart.
-      {R"({"errors":[{"typeId":"PAYMENT_DECLINED","systemErrorCode":"072312"}]})", APError::PAYMENT_DECLINED},
-      {R"({"errors":[{"typeId":"PAYMENT_BAD_EXPIRATION_DATE"}]})", APError::PAYMENT_BAD_EXPIRATION_DATE},
-      {R"({"errors":[{"typeId":"RESIDENCY","systemErrorCode":"072312"}]})", APError::NonFLResident},
-      {R"({"errors":[{"typeId":"RESIDENCY","systemErrorCode":"072313"}]})", APError::NonSCAResident},
-      {R"({"errors":[{"systemErrorCode":"072316"}]})", APError::NonCAResident},
-      {R"({"errors":[{"typeId":"RESIDENCY","systemErrorCode":"072399"}]})", APError::GeneralBookingServiceError},
-      {R"({"errors":[{"typeId":"OTHER"},{"typeId":"SYSTEM_ERROR"}]})", APError::GeneralBookingServiceError},
-      // No usable first element: no case at all.
-      {R"({"errors":[{"typeId":"SYSTEM_ERROR","httpStatus":500}]})", std::nullopt},
-      {R"({"errors":["SYSTEM_ERROR"]})", std::nullopt},
-      {R"({"errors":{"typeId":"SYSTEM_ERROR"}})", std::nullopt},
-      {R"({})", std::nullopt},
-      {R"("SYSTEM_ERROR")", std::nullopt},
-  };
-  for (const auto& [body, expected] : cases) EXPECT_EQ(APBookingServiceError(withBody(body)), expected) << body;
-}
-
-TEST_F(ErrorMappingTest, BookingConnectionFailureWinsOverAnyBody) {
-  EXPECT_EQ(APBookingServiceError(withBody(R"({"errors":[{"typeId":"SYSTEM_ERROR"}]})", true)),
-            APError::ConnectionError);
-  EXPECT_EQ(APBookingServiceError(Error{"net", -1, Json{{kErrorIsConnectionErrorKey, true}}}),
-            APError::ConnectionError);
-  EXPECT_EQ(APBookingServiceError(Error{"net", -1, Json{{kErrorIsConnectionErrorKey, false}}}), std::nullopt);
-  EXPECT_EQ(APBookingServiceError(Error{"test", 1, Json()}), std::nullopt);
-}
-
-TEST_F(ErrorMappingTest, Evas) {
-  const std::pair<const char*, APError> cases[] = {
+TEST_F(ErrorMappingTest, BodiesOfBothServiceFamilies) {
+  const auto none = std::nullopt;
+  const auto general = E::GeneralEVASServiceError, noRetry = E::ServiceErrorNoRetry;
+  // Body, booking case, EVAS case, whether EVAS found no code and printed the body.
+  const std::tuple<const char*, std::optional<APError>, APError, bool> rows[] = {
       // Named codes of the first element win over any numeric code.
-      {R"({"errors":[{"typeId":"SYSTEM_UNAVAILABLE"}],"errorCode":"500"})", APError::SYSTEM_UNAVAILABLE},
-      {R"({"errors":[{"typeId":"UNEXPECTED_ERROR"}],"errorCode":"500"})", APError::UNEXPECTED_ERROR},
-      {R"({"errors":[{"typeId":"SYSTEM_ERROR"}],"errorCode":"500"})", APError::SYSTEM_ERROR},
-      {R"({"errors":[{"typeId":"PAYMENT_DECLINED"}],"statusCode":"2000"})", APError::COMMUNICATION_ERROR},
-      {R"({"errorCode":"500"})", APError::INTERNAL_SERVICE_ERROR},
-      {R"({"errorCode":"503"})", APError::ServiceErrorNoRetry},
-      {R"({"errorCode":"+503"})", APError::ServiceErrorNoRetry},
-      {R"({"errorCode":"404"})", APError::GeneralEVASServiceError},
-      // Keys are tried in the order errorCode, statusCode, typeId.
-      {R"({"errorCode":"2000","statusCode":"500"})", APError::COMMUNICATION_ERROR},
-      {R"({"statusCode":"503","typeId":"500"})", APError::ServiceErrorNoRetry},
-      {R"({"typeId":"500"})", APError::INTERNAL_SERVICE_ERROR},
-      // A value that is not a decimal integer ends the search at once.
-      {R"({"errorCode":"E503","statusCode":"500"})", APError::GeneralEVASServiceError},
-      {R"({"errorCode":"503 ","statusCode":"500"})", APError::GeneralEVASServiceError},
-      {R"({"errorCode":"99999999999999999999","statusCode":"500"})", APError::GeneralEVASServiceError},
-      {R"({"errorCode":true,"statusCode":"500"})", APError::GeneralEVASServiceError},
-      {R"({"typeId":"SYSTEM_ERROR"})", APError::GeneralEVASServiceError},
+      {R"({"errors":[{"typeId":"SYSTEM_UNAVAILABLE"}]})", E::SYSTEM_UNAVAILABLE, E::SYSTEM_UNAVAILABLE, 0},
+      {R"({"errors":[{"typeId":"UNEXPECTED_ERROR"}],"errorCode":"500"})", E::UNEXPECTED_ERROR, E::UNEXPECTED_ERROR, 0},
+      {R"({"errors":[{"typeId":"SYSTEM_ERROR"}],"errorCode":"500"})", E::SYSTEM_ERROR, E::SYSTEM_ERROR, 0},
+      // The offline authorizer shares the declined card's code and is never told apart.
+      {R"({"errors":[{"typeId":"PAYMENT_DECLINED","systemErrorCode":"072312"}],"statusCode":"2000"})",
+       E::PAYMENT_DECLINED, E::COMMUNICATION_ERROR, 0},
+      {R"({"errors":[{"typeId":"PAYMENT_BAD_EXPIRATION_DATE"}]})", E::PAYMENT_BAD_EXPIRATION_DATE, general, 1},
+      {R"({"errors":[{"typeId":"RESIDENCY","systemErrorCode":"072312"}]})", E::NonFLResident, general, 1},
+      {R"({"errors":[{"systemErrorCode":"072313"}],"errorCode":"503"})", E::NonSCAResident, noRetry, 0},
+      {R"({"errors":[{"systemErrorCode":"072316"}],"errorCode":"+503"})", E::NonCAResident, noRetry, 0},
+      {R"({"errors":[{"systemErrorCode":"072399"}],"errorCode":"404"})", E::GeneralBookingServiceError, general, 0},
+      {R"({"errors":[{"typeId":"OTHER"},{"typeId":"SYSTEM_ERROR"}]})", E::GeneralBookingServiceError, general, 1},
+      // Without a first element of strings there is no booking case; EVAS tries errorCode,
+      // statusCode, typeId in turn, and a value that is not a decimal integer ends the search.
+      {R"({"errors":[{"typeId":"SYSTEM_ERROR","n":1}],"statusCode":503,"typeId":"500"})", none, noRetry, 0},
+      {R"({"errors":["SYSTEM_ERROR"],"typeId":"500"})", none, E::INTERNAL_SERVICE_ERROR, 0},
+      {R"({"errors":{"typeId":"SYSTEM_ERROR"},"errorCode":"2000","statusCode":500})", none, E::COMMUNICATION_ERROR, 0},
+      {R"("SYSTEM_ERROR")", none, general, 1},
+      {R"({"errorCode":"E503","statusCode":"500"})", none, general, 0},
+      {R"({"errorCode":"503 ","statusCode":"500"})", none, general, 0},
+      {R"({"errorCode":"99999999999999999999","statusCode":"500"})", none, general, 0},
+      {R"({"errorCode":true,"statusCode":"500"})", none, general, 0},
   };
-  for (const auto& [body, expected] : cases) EXPECT_EQ(APEvasError(withBody(body)), expected) << body;
-  EXPECT_EQ(evasDebugLines(), 0u);
+  for (const auto& [body, booking, evas, logs] : rows) {
+    log->clear();
+    EXPECT_EQ(APBookingServiceError(withBody(body)), booking) << body;
+    EXPECT_EQ(APEvasError(withBody(body)), evas) << body;
+    EXPECT_EQ(log->lines().size(), logs ? 1u : 0u) << body;
+  }
 }
 
-TEST_F(ErrorMappingTest, EvasWithoutAnyCodeFallsBackAndPrintsTheBody) {
-  EXPECT_EQ(APEvasError(withBody(R"({"errors":[{"message":"nope"}]})")), APError::GeneralEVASServiceError);
-  ASSERT_EQ(evasDebugLines(), 1u);
-  const auto line = log->lines().front();
-  EXPECT_FALSE(line.isError);
-  EXPECT_NE(line.message.find("\"nope\""), std::string::npos);
-  EXPECT_EQ(line.site.file, "Classes/Errors/Error+APError");
-  EXPECT_EQ(line.site.function, "APEvasError");
-
-  EXPECT_EQ(APEvasError(Error{"test", 1, Json()}), APError::GeneralEVASServiceError);
-  EXPECT_EQ(APEvasError(withBody("[1, 2]", true)), APError::GeneralEVASServiceError);
-  EXPECT_EQ(evasDebugLines(), 3u);
+TEST_F(ErrorMappingTest, ConnectionFailuresAndMissingBodies) {
+  EXPECT_EQ(APBookingServiceError(withBody(R"({"errors":[{"typeId":"SYSTEM_ERROR"}]})", true)), E::ConnectionError);
+  EXPECT_EQ(APBookingServiceError(Error{"test", 1, Json()}), std::nullopt);
+  EXPECT_EQ(APEvasError(Error{"test", 1, Json()}), E::GeneralEVASServiceError);
 }
 
-TEST_F(ErrorMappingTest, EvasLogsAnyBodyWithoutCrashing) {
+TEST_F(ErrorMappingTest, EvasDebugLineShowsTheBodyWhateverItsDepth) {
+  APEvasError(withBody(R"({"errors":[{"message":"nope"}]})"));
+  EXPECT_EQ(log->count(R"(EVAS Error code not found on JSON response: {"errors":[{"message":"nope"}]})"), 1u);
+  const auto line = log->lines().at(0);
+  EXPECT_EQ(line.site.file + " " + line.site.function + (line.isError ? " error" : ""),
+            "Classes/Errors/Error+APError APEvasError");
   const std::string deep = R"({"a":)" + std::string(100000, '[') + std::string(100000, ']') + "}";
-  EXPECT_EQ(APEvasError(withBody(deep)), APError::GeneralEVASServiceError);
-  ASSERT_EQ(evasDebugLines(), 1u);
-  EXPECT_LT(log->lines().front().message.size(), 200u);
+  EXPECT_EQ(APEvasError(withBody(deep)), E::GeneralEVASServiceError);
+  EXPECT_LT(log->lines().back().message.size(), 200u);
 }
 
 }  // namespace

@@ -1,81 +1,124 @@
+// Guest-facing texts and banners, over the shipped English string table.
+
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
 
 #include "support/Fakes.h"
 #include "varnel/errors/APErrorMessage.h"
+#include "varnel/errors/APNotificationBanner.h"
+#include "varnel/errors/VNLPhoneNumber.h"
 #include "varnel/errors/VNLPhoneUtility.h"
-#include "varnel/errors/VarnelLocalizedString.h"
 #include "varnel/host/Registry.h"
+#include "varnel/host/ResourceBundle.h"
+#include "varnel/standalone/StringTableLocalization.h"
 
 namespace varnel {
 namespace {
+
+const std::filesystem::path kResources = VARNEL_TEST_RESOURCE_DIR;
+constexpr KTVCResortChoice kWest = kResortChoiceWest, kEast = kResortChoiceEast;
 
 class MessageTest : public testing::HostFixture {
  protected:
   void SetUp() override {
     HostFixture::SetUp();
-    localization->table = {
-        {std::string(VNLAPRenewalsHelpPhoneNumberKeys::oqs), "(407) 555-0100"},
-        {std::string(VNLAPRenewalsHelpPhoneNumberKeys::zlt), "(714) 555-0199"},
-        {"com.varnel.checkout.serviceError.message", "Trouble (100%% sure), call %@."},
-        {"com.varnel.checkout.serviceError.noRetry.message", "Do not retry, call %@."},
-        {"com.varnel.checkout.validationError.nonFLResident.message", "Florida only, call %@."},
-        {"com.varnel.checkout.validationError.missingCVV.message", "Enter your CVV."},
-    };
+    host::Registry::set<ResourceBundle>(std::make_shared<ResourceBundle>(ResourceBundle{kResources}));
+    host::Registry::set<KTVRLocalization>(std::make_shared<standalone::StringTableLocalization>());
+  }
+  static std::string number(KTVCResortChoice park) {
+    return VNLPhoneUtility::APPhoneNumber(APError::MissingCVV, park).value_or("");
+  }
+  const testing::RecordingBanner& show(APError error, KTVCResortChoice resort, KTVRRetryBlock retry = {}) {
+    banners->made.clear();
+    APNotificationBanner::showNotificationBanner(error, std::make_shared<KTVCParkResortContext>(resort), retry);
+    EXPECT_EQ(banners->made.size(), 1u);
+    EXPECT_EQ(banners->made.at(0)->shownCount, 1);
+    return *banners->made.at(0);
   }
 };
 
-TEST_F(MessageTest, LookupGoesThroughTheHostLocalization) {
-  EXPECT_EQ(VarnelLocalizedStringForKey("com.varnel.unknown"), "com.varnel.unknown");
-  host::Registry::set<KTVRLocalization>(nullptr);
-  EXPECT_EQ(VarnelLocalizedStringForKey(VNLAPRenewalsHelpPhoneNumberKeys::oqs), VNLAPRenewalsHelpPhoneNumberKeys::oqs);
-}
-
-TEST_F(MessageTest, HelpPhoneNumberDependsOnlyOnThePark) {
-  EXPECT_EQ(VNLPhoneUtility::APPhoneNumber(APError::MissingCVV, kResortChoiceEast), "(407) 555-0100");
-  EXPECT_EQ(VNLPhoneUtility::APPhoneNumber(APError::SYSTEM_ERROR, kResortChoiceEast), "(407) 555-0100");
-  EXPECT_EQ(VNLPhoneUtility::APPhoneNumber(APError::MissingCVV, kResortChoiceWest), "(714) 555-0199");
-  EXPECT_TRUE(log->lines().empty());
-  for (KTVCResortChoice park : {3, kResortChoiceAlternate, -1}) {
-    log->clear();
-    EXPECT_EQ(VNLPhoneUtility::APPhoneNumber(APError::MissingCVV, park), std::nullopt) << park;
-    ASSERT_EQ(log->count("Unknown Park used"), 1u);
-    EXPECT_EQ(log->lines().front().site.file, "Classes/VNLPhoneUtility");
-    EXPECT_EQ(log->lines().front().site.function, "APPhoneNumber(for:for:)");
-  }
-}
-
-TEST_F(MessageTest, PhoneNumberIsFilledOnlyWhenThereIsOne) {
-  EXPECT_EQ(APErrorMessage::message(APError::GeneralEVASServiceError, kResortChoiceWest),
-            "Trouble (100% sure), call (714) 555-0199.");
-  EXPECT_EQ(APErrorMessage::message(APError::GeneralTransactionalError, kResortChoiceEast),
-            "Do not retry, call (407) 555-0100.");
-  EXPECT_EQ(APErrorMessage::message(APError::MissingCVV, kResortChoiceWest), "Enter your CVV.");
-  // Without a number the text is returned as it is, not used as a format.
-  EXPECT_EQ(APErrorMessage::message(APError::SYSTEM_ERROR, 3), "Trouble (100%% sure), call %@.");
-}
-
-TEST_F(MessageTest, ResidencyAndConnectionKeys) {
-  EXPECT_EQ(APErrorMessage::message(APError::NonFLResident, kResortChoiceEast), "Florida only, call (407) 555-0100.");
-  EXPECT_EQ(APErrorMessage::message(APError::NonFLResident, kResortChoiceWest), "");
-  EXPECT_EQ(APErrorMessage::message(APError::ConnectionError, kResortChoiceEast), "");
-  for (APError residency : {APError::NonFLResident, APError::NonSCAResident, APError::NonCAResident}) {
-    const bool east = residency == APError::NonFLResident;
-    EXPECT_EQ(APErrorMessage::localizationKey(residency, kResortChoiceEast).empty(), !east);
-    EXPECT_EQ(APErrorMessage::localizationKey(residency, kResortChoiceWest).empty(), east);
-    EXPECT_EQ(APErrorMessage::localizationKey(residency, kResortChoiceAlternate), "");
-  }
-}
-
-TEST_F(MessageTest, OnlyNoRetryErrorsUseTheNoRetryText) {
-  const std::string noRetry = "com.varnel.checkout.serviceError.noRetry.message";
+TEST_F(MessageTest, MessagesCarryTheResortsNumberAndTheTableOnlyThePlaceholdersCallersFill) {
+  std::ifstream input(kResources / "en.lproj" / "Localizable.json");
+  const Json table = Json::parse(input, nullptr, /*allow_exceptions=*/false);
+  ASSERT_TRUE(isStringDictionary(table));
+  EXPECT_TRUE(table.contains("com.varnel.changeYourPass.noBlockOutThroughOutYear"));
+  // The pass descriptions' text is the only non-message text with an argument.
+  std::set<std::string> withArgument{"com.varnel.changeYourPass.admissionDaysThroughOutYear"};
+  EXPECT_NE(number(kWest), number(kEast));
   for (int value = 0; value < kAPErrorCaseCount; ++value) {
     const APError error = *apErrorFromRawValue(value);
-    const bool expectNoRetry = error == APError::ServiceErrorNoRetry || error == APError::GeneralTransactionalError;
-    EXPECT_EQ(APErrorMessage::localizationKey(error, kResortChoiceEast) == noRetry, expectNoRetry) << value;
-    if (isSeviceError(error) && !expectNoRetry) {
-      EXPECT_EQ(APErrorMessage::localizationKey(error, kResortChoiceEast), "com.varnel.checkout.serviceError.message");
+    for (KTVCResortChoice park : {kWest, kEast}) {
+      withArgument.insert(APErrorMessage::localizationKey(error, park));
+      const std::string text = APErrorMessage::message(error, park);
+      const bool shown = !(error == APError::ConnectionError || (error == APError::NonFLResident && park != kEast) ||
+                           ((error == APError::NonSCAResident || error == APError::NonCAResident) && park != kWest));
+      EXPECT_EQ(text.empty(), !shown) << value << " at " << park;
+      EXPECT_TRUE(!shown || text.find(number(park)) != std::string::npos) << text;
+      EXPECT_EQ(text.find('%'), std::string::npos) << text;
     }
   }
+  withArgument.erase("");
+  for (const auto& key : withArgument) EXPECT_TRUE(table.contains(key)) << key;
+  for (const auto& [key, value] : table.items()) {
+    const std::string text = value.get<std::string>();
+    const long expected = withArgument.contains(key) ? 1 : 0;
+    // One "%@" where the caller fills one, and no other directive or stray percent sign.
+    EXPECT_EQ(std::count(text.begin(), text.end(), '%'), expected) << key << ": " << text;
+    EXPECT_EQ(text.find("%@") != std::string::npos, expected == 1) << key << ": " << text;
+  }
+  const std::string noRetry = APErrorMessage::message(APError::ServiceErrorNoRetry, kEast);
+  EXPECT_NE(noRetry, APErrorMessage::message(APError::SYSTEM_ERROR, kEast));
+  EXPECT_EQ(noRetry, APErrorMessage::message(APError::GeneralTransactionalError, kEast));
+  // Without a number the text is returned as it is, not used as a format.
+  EXPECT_NE(APErrorMessage::message(APError::SYSTEM_ERROR, 3).find("%@"), std::string::npos);
+  EXPECT_EQ(log->lines().back().site.function, "APPhoneNumber(for:for:)");
+  // Help numbers must format as they are: a short one would stop the process.
+  for (KTVCResortChoice park : {kWest, kEast}) EXPECT_EQ(VNLPhoneNumber(number(park)).formattedString(), number(park));
+}
+
+TEST_F(MessageTest, BannerKindRetryPhoneAndContext) {
+  const std::set<int> service{1, 2, 3, 4, 5, 7, 9, 10, 11}, transactional{23, 24};
+  std::set<std::string> titles;
+  for (int value = 0; value < kAPErrorCaseCount; ++value) {
+    SCOPED_TRACE(value);
+    const APError error = *apErrorFromRawValue(value);
+    const bool isService = service.contains(value);
+    EXPECT_EQ(isValidationError(error), value != 0 && !isService && !transactional.contains(value));
+    int retries = 0;
+    const auto& banner = show(error, kWest, [&](auto) { ++retries; });
+    EXPECT_EQ(banner.kind(), transactional.contains(value) ? KTVRNotificationBannerKind::transactionalError
+                             : isService ? KTVRNotificationBannerKind::serviceError
+                                         : KTVRNotificationBannerKind::validationError);
+    EXPECT_EQ(banner.message(), APErrorMessage::message(error, kWest));
+    if (banner.retryBlock()) banner.retryBlock()(nullptr);
+    // The guest is told not to retry a no-retry error, so no retry action is offered.
+    EXPECT_EQ(retries, isService && error != APError::ServiceErrorNoRetry ? 1 : 0);
+    EXPECT_EQ(banner.phoneNumber(), isService ? std::optional(number(kWest)) : std::nullopt);
+    const char* domain = isService ? "varnel.error" : transactional.contains(value) ? "Varnel.APError" : nullptr;
+    EXPECT_EQ(banner.error(), domain ? std::optional(Error{domain, value, Json()}) : std::nullopt);
+    titles.insert(banner.title());
+  }
+  EXPECT_FALSE(apErrorFromRawValue(kAPErrorCaseCount) || apErrorFromRawValue(-1));
+  EXPECT_EQ(titles.size(), 3u);  // one per kind, each from the table
+  for (const auto& title : titles) EXPECT_FALSE(title.empty() || title.starts_with("com.varnel.")) << title;
+
+  APNotificationBanner::showNotificationBanner(APError::SYSTEM_ERROR, nullptr);
+  EXPECT_EQ(banners->made.size(), 1u);  // only the loop's last banner
+  EXPECT_EQ(log->count("KTVCParkResortContext must be supplied!"), 1u);
+  EXPECT_FALSE(show(APError::SYSTEM_ERROR, kResortChoiceAlternate).phoneNumber());
+}
+
+TEST(VNLPhoneNumberDeathTest, FormatsTheAsciiDigitsAndHaltsBelowSeven) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"407.555.0142", "(407) 555-0142"},          {"1-407-555-0142", "1-(407) 555-0142"},
+      {"+44 (020) 555-0142", "44-(020) 555-0142"}, {"5550142", "() 555-0142"},
+      {"75550142", "(7) 555-0142"},                {"\xd9\xa1" "4075550142", "(407) 555-0142"},
+  };
+  for (const auto& [text, expected] : rows) EXPECT_EQ(VNLPhoneNumber(text).formattedString(), expected);
+  EXPECT_EQ(VNLPhoneNumber("12345").phoneNumber(), "123-2345");  // the two parts overlap
+  EXPECT_DEATH((void)VNLPhoneNumber("555-014").locationNumber(), "fewer than seven digits");
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include <map>
-
 #include <gtest/gtest.h>
 
 #include "support/Fakes.h"
@@ -10,127 +8,62 @@ namespace varnel {
 namespace {
 
 using Key = VNLCommerceSettings::UserDefaultKey;
+using Config = VNLConfiguration;
+using CommerceSettingsTest = testing::HostFixture;
 
-constexpr const char* kUseEVAS = "com.ENTM.useEVASSwitch";
-constexpr const char* kHideBringPassAlert = "com.ENTK.HideBringPassAlert";
-constexpr const char* kShowColoredAnnualPass = "com.ENTK.ShowColoredAnnualPass";
-
-struct Preset {
-  VNLConfiguration configuration;
-  bool useEVAS, hideBringPassAlert, showColoredAnnualPass;
-  VNLConfiguration readsBackAs;
-};
-
-const Preset kPresets[] = {
-    {VNLConfiguration::legacy, false, false, false, VNLConfiguration::legacy},
-    {VNLConfiguration::rideslot, true, true, true, VNLConfiguration::rideslot},
-    {VNLConfiguration::apRenewals, true, false, false, VNLConfiguration::apRenewals},
-    {VNLConfiguration::zlt_4_5, false, true, false, VNLConfiguration::zlt_4_5},
-    {VNLConfiguration::oqs_4_5, false, true, true, VNLConfiguration::oqs_4_5},
-    {VNLConfiguration::zlt_4_6, true, false, false, VNLConfiguration::apRenewals},
-    {VNLConfiguration::oqs_4_6, true, false, false, VNLConfiguration::apRenewals},
-};
-
-class CommerceSettingsTest : public testing::HostFixture {};
-
-TEST_F(CommerceSettingsTest, EachPresetWritesItsThreeBooleansThenSynchronisesOnce) {
-  for (const auto& preset : kPresets) {
-    SCOPED_TRACE(std::string(rawValue(preset.configuration)));
-    defaults = std::make_shared<testing::InMemoryUserDefaults>();
-    host::Registry::set<UserDefaults>(defaults);
-
-    VNLCommerceSettings::setDefaultsFor(preset.configuration);
-    const std::map<std::string, DefaultsValue, std::less<>> expected = {
-        {kUseEVAS, DefaultsValue(preset.useEVAS)},
-        {kHideBringPassAlert, DefaultsValue(preset.hideBringPassAlert)},
-        {kShowColoredAnnualPass, DefaultsValue(preset.showColoredAnnualPass)},
-    };
-    EXPECT_EQ(defaults->dictionaryRepresentation(), expected);
-    EXPECT_EQ(defaults->writeCount, 3);
-    EXPECT_EQ(defaults->synchronizeCount, 1);
-    EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), preset.readsBackAs);
+TEST_F(CommerceSettingsTest, EachPresetWritesItsThreeBooleansSynchronisesOnceAndIsReadBack) {
+  // Preset, the EVAS, hide-bring-pass-alert and colored-pass switches it writes, read back as.
+  using enum VNLConfiguration;
+  const std::tuple<Config, bool, bool, bool, Config> rows[] = {
+      {legacy, false, false, false, legacy},         {rideslot, true, true, true, rideslot},
+      {apRenewals, true, false, false, apRenewals},  {zlt_4_5, false, true, false, zlt_4_5},
+      {oqs_4_5, false, true, true, oqs_4_5},         {zlt_4_6, true, false, false, apRenewals},
+      {oqs_4_6, true, false, false, apRenewals},
+  };
+  for (const auto& [configuration, useEVAS, hide, colored, readBack] : rows) {
+    auto store = std::make_shared<testing::InMemoryUserDefaults>();
+    host::Registry::set<UserDefaults>(store);
+    VNLCommerceSettings::setDefaultsFor(configuration);
+    const std::map<std::string, DefaultsValue, std::less<>> written{{"com.ENTM.useEVASSwitch", useEVAS},
+        {"com.ENTK.HideBringPassAlert", hide}, {"com.ENTK.ShowColoredAnnualPass", colored}};
+    EXPECT_EQ(store->dictionaryRepresentation(), written);
+    EXPECT_EQ(std::pair(store->writeCount, store->synchronizeCount), std::pair(3, 1));  // written, synchronised
+    EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), readBack) << rawValue(configuration);
+    // Other stored keys do not matter; a missing preset key does.
+    store->setInteger(Key::apRenewNumberSegment, 1);
+    EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), readBack);
+    store->removeObjectForKey(Key::hideBringPassAlert);
+    EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), unknown);
   }
 }
 
-TEST_F(CommerceSettingsTest, UnknownWritesNothingAndDoesNotSynchronise) {
-  defaults->setBool(kUseEVAS, true);
-  defaults->setInteger(Key::apRenewNumberSegment, 2);
-  const auto before = defaults->dictionaryRepresentation();
-  defaults->writeCount = 0;
-
-  VNLCommerceSettings::setDefaultsFor(VNLConfiguration::unknown);
-  EXPECT_EQ(defaults->dictionaryRepresentation(), before);
-  EXPECT_EQ(defaults->writeCount, 0);
-  EXPECT_EQ(defaults->synchronizeCount, 0);
+TEST_F(CommerceSettingsTest, UnknownOrAMissingStoreWritesNothing) {
+  VNLCommerceSettings::setDefaultsFor(Config::unknown);
+  host::Registry::set<UserDefaults>(nullptr);
+  VNLCommerceSettings::setDefaultsFor(Config::rideslot);
+  EXPECT_EQ(defaults->writeCount + defaults->synchronizeCount, 0);
+  EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), Config::unknown);
 }
 
-TEST_F(CommerceSettingsTest, NothingStoredMeansNoSettingsAndUnknown) {
-  defaults->setBool("com.other.module.flag", true);
-  EXPECT_TRUE(VNLCommerceSettings::current().empty());
-  EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::unknown);
-}
-
-TEST_F(CommerceSettingsTest, CurrentReadsEveryOwnKeyThatIsStoredAndNoOther) {
-  const std::map<std::string, DefaultsValue> stored = {
-      {"com.ENTM.useMockDataSwitch", DefaultsValue(true)},
-      {"com.ENTM.useEVASMockSwitch", DefaultsValue(false)},
-      {"com.ENTK.selectedSegmentAP", DefaultsValue(3)},
-      {"com.ENTK.DataFromENTKSwitch", DefaultsValue("yes")},
-      {"com.ENTK.MockHightTrustTimeoutEnabled", DefaultsValue(true)},
-      {"com.ENTK.ShowColoredAnnualPass", DefaultsValue(DefaultsArray{DefaultsValue()})},
-  };
-  for (const auto& [key, value] : stored) defaults->setObject(key, value);
+TEST_F(CommerceSettingsTest, PresetsAreRecognisedOnlyFromBooleansAndCurrentReadsOnlyOwnKeys) {
+  for (const auto& values : std::vector<std::array<DefaultsValue, 3>>{{1, 0, 0}, {true, 0, false}, {1.0, 1.0, 1.0}}) {
+    defaults->setObject(Key::useEVAS, values[0]);
+    defaults->setObject(Key::hideBringPassAlert, values[1]);
+    defaults->setObject(Key::showColorfulAnnualPass, values[2]);
+    EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), Config::unknown);
+  }
+  defaults->setObject(Key::mockHightTrustTimeoutEnabled, "yes");
   defaults->setBool("com.ENTK.MockHighTrustTimeoutEnabled", true);  // not one of ours
-
-  VNLUserDefaultSettings expected;
-  for (const auto& [key, value] : stored) expected.emplace(key, value);
+  const VNLUserDefaultSettings expected{{"com.ENTM.useEVASSwitch", 1.0}, {"com.ENTK.HideBringPassAlert", 1.0},
+      {"com.ENTK.ShowColoredAnnualPass", 1.0}, {"com.ENTK.MockHightTrustTimeoutEnabled", "yes"}};
   EXPECT_EQ(VNLCommerceSettings::current(), expected);
 }
 
-TEST_F(CommerceSettingsTest, PresetsAreRecognisedOnlyFromBooleans) {
-  const std::vector<std::array<DefaultsValue, 3>> lookalikes = {
-      {DefaultsValue(1), DefaultsValue(0), DefaultsValue(0)},
-      {DefaultsValue(true), DefaultsValue(0), DefaultsValue(false)},
-      {DefaultsValue("true"), DefaultsValue("false"), DefaultsValue("false")},
-      {DefaultsValue(1.0), DefaultsValue(1.0), DefaultsValue(1.0)},
-  };
-  for (const auto& values : lookalikes) {
-    defaults->setObject(kUseEVAS, values[0]);
-    defaults->setObject(kHideBringPassAlert, values[1]);
-    defaults->setObject(kShowColoredAnnualPass, values[2]);
-    EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::unknown);
-  }
-}
-
-TEST_F(CommerceSettingsTest, OtherKeysDoNotChangeTheRecognisedPresetButAMissingOneDoes) {
-  VNLCommerceSettings::setDefaultsFor(VNLConfiguration::oqs_4_5);
-  defaults->setBool(Key::mockData, true);
-  defaults->setBool(Key::mockEVAS, true);
-  defaults->setInteger(Key::apRenewNumberSegment, 1);
-  EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::oqs_4_5);
-
-  defaults->removeObjectForKey(kShowColoredAnnualPass);
-  EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::unknown);
-}
-
-TEST_F(CommerceSettingsTest, WithoutAStoreNothingHappens) {
-  host::Registry::set<UserDefaults>(nullptr);
-  VNLCommerceSettings::setDefaultsFor(VNLConfiguration::rideslot);
-  EXPECT_TRUE(VNLCommerceSettings::current().empty());
-  EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::unknown);
-  EXPECT_EQ(defaults->writeCount, 0);
-}
-
 TEST(VNLConfiguration, RawValuesRoundTripAndAreCaseSensitive) {
-  for (auto configuration : kAllVNLConfigurations) {
-    EXPECT_EQ(configurationFromRawValue(rawValue(configuration)), configuration);
+  for (auto c : kAllVNLConfigurations) EXPECT_EQ(configurationFromRawValue(rawValue(c)), c);
+  for (const char* text : {"legacy", "aprenewals", "ZLT_4_5", "unknown", "Legacy "}) {
+    EXPECT_FALSE(configurationFromRawValue(text)) << text;
   }
-  EXPECT_EQ(rawValue(VNLConfiguration::apRenewals), "APRenewals");
-  EXPECT_EQ(configurationFromRawValue("Legacy"), VNLConfiguration::legacy);
-  for (const char* text : {"legacy", "rideslot", "aprenewals", "ZLT_4_5", "unknown", "Legacy ", ""}) {
-    EXPECT_EQ(configurationFromRawValue(text), std::nullopt) << text;
-  }
-  EXPECT_EQ(rawValue(static_cast<VNLConfiguration>(99)), "Unknown");
 }
 
 }  // namespace

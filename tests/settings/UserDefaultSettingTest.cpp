@@ -1,81 +1,44 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "varnel/settings/VNLUserDefaultSetting.h"
 
 namespace varnel {
 namespace {
 
-DefaultsValue array(std::initializer_list<DefaultsValue> elements) { return DefaultsValue(DefaultsArray(elements)); }
+using A = DefaultsArray;
+using D = DefaultsDictionary;
 
-TEST(UserDefaultValuesEqual, BooleansNeverEqualNumbersWhileNumbersCompareByValue) {
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue(true), DefaultsValue(true)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(true), DefaultsValue(false)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(true), DefaultsValue(1)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(false), DefaultsValue(0)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(0.0), DefaultsValue(false)));
-
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue(1), DefaultsValue(1.0)));
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue(-0.0), DefaultsValue(0)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(1), DefaultsValue(1.5)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(2.5), DefaultsValue(2)));
-  // Beyond 2^53 a double cannot hold every integer: no rounding into equality.
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(std::int64_t{9007199254740993}), DefaultsValue(9007199254740992.0)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(std::int64_t{9223372036854775807}), DefaultsValue(9.3e18)));
+TEST(UserDefaultValuesEqual, ComparesByKindBothWays) {
+  const DefaultsValue absent;
+  const A nested{1, absent, A{true, absent}};
+  const std::tuple<DefaultsValue, DefaultsValue, bool> rows[] = {
+      // A boolean equals only a boolean; numbers compare by value, without rounding beyond 2^53.
+      {true, true, true}, {true, false, false}, {true, 1, false}, {false, 0, false}, {0.0, false, false},
+      {1, 1.0, true}, {-0.0, 0, true}, {1, 1.5, false},
+      {std::int64_t{9007199254740993}, 9007199254740992.0, false}, {std::int64_t{9223372036854775807}, 9.3e18, false},
+      // Texts, dates and data only equal their own kind.
+      {"on", std::string("on"), true}, {"true", true, false}, {"1", 1, false}, {Date{100.5}, Date{100.5}, true},
+      {Date{100.5}, 100.5, false}, {DefaultsData{1, 2}, DefaultsData{1, 2}, true}, {DefaultsData{'a'}, "a", false},
+      // Arrays element by element, absent matching absent; dictionaries key by key.
+      {nested, A{1.0, absent, A{true, absent}}, true}, {nested, A{1, absent, A{1, absent}}, false},
+      {nested, A{1, false, A{true, absent}}, false}, {A{absent}, A{}, false}, {A{1, 2}, A{2, 1}, false},
+      {A{}, D{}, false}, {D{{"a", nested}}, D{{"a", nested}}, true}, {D{{"a", true}}, D{{"a", 1}}, false},
+      {D{{"a", true}}, D{{"A", true}}, false}, {D{{"a", true}}, D{{"a", true}, {"b", absent}}, false},
+  };
+  for (std::size_t row = 0; row < std::size(rows); ++row) {
+    const auto& [lhs, rhs, equal] = rows[row];
+    EXPECT_EQ(userDefaultValuesEqual(lhs, rhs), equal) << "row " << row;
+    EXPECT_EQ(userDefaultValuesEqual(rhs, lhs), equal) << "row " << row;
+  }
 }
 
-TEST(UserDefaultValuesEqual, TextDatesAndDataCompareOnlyWithTheirOwnKind) {
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue("on"), DefaultsValue(std::string("on"))));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue("true"), DefaultsValue(true)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue("1"), DefaultsValue(1)));
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue(Date{100.5}), DefaultsValue(Date{100.5})));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(Date{100.5}), DefaultsValue(100.5)));
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue(DefaultsData{1, 2}), DefaultsValue(DefaultsData{1, 2})));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(DefaultsData{'a'}), DefaultsValue("a")));
-}
-
-TEST(UserDefaultValuesEqual, ArraysCompareElementByElementWithAbsentMatchingAbsent) {
-  const auto nested = array({DefaultsValue(1), DefaultsValue(), array({DefaultsValue(true), DefaultsValue()})});
-  EXPECT_TRUE(userDefaultValuesEqual(nested, nested));
-  EXPECT_TRUE(userDefaultValuesEqual(
-      nested, array({DefaultsValue(1.0), DefaultsValue(), array({DefaultsValue(true), DefaultsValue()})})));
-  EXPECT_FALSE(userDefaultValuesEqual(
-      nested, array({DefaultsValue(1), DefaultsValue(), array({DefaultsValue(1), DefaultsValue()})})));
-  EXPECT_FALSE(userDefaultValuesEqual(
-      nested, array({DefaultsValue(1), DefaultsValue(false), array({DefaultsValue(true), DefaultsValue()})})));
-  EXPECT_FALSE(userDefaultValuesEqual(array({DefaultsValue()}), array({})));
-  EXPECT_FALSE(userDefaultValuesEqual(array({DefaultsValue(1), DefaultsValue(2)}), array({DefaultsValue(2), DefaultsValue(1)})));
-  EXPECT_FALSE(userDefaultValuesEqual(array({}), DefaultsValue(DefaultsDictionary{})));
-}
-
-TEST(UserDefaultValuesEqual, DictionariesCompareKeyByKeyWithTheSameRule) {
-  const DefaultsDictionary base{{"enabled", DefaultsValue(true)}, {"list", array({DefaultsValue(), DefaultsValue("x")})}};
-  auto numeric = base;
-  numeric["enabled"] = DefaultsValue(1);
-  auto extra = base;
-  extra["more"] = DefaultsValue(false);
-  auto renamed = base;
-  renamed.erase("enabled");
-  renamed["Enabled"] = DefaultsValue(true);
-
-  EXPECT_TRUE(userDefaultValuesEqual(DefaultsValue(base), DefaultsValue(DefaultsDictionary(base))));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(base), DefaultsValue(numeric)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(base), DefaultsValue(extra)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(extra), DefaultsValue(base)));
-  EXPECT_FALSE(userDefaultValuesEqual(DefaultsValue(base), DefaultsValue(renamed)));
-}
-
-TEST(VNLUserDefaultSetting, SettingsOfOneKeyHashAlikeAndStillDiffer) {
-  const VNLUserDefaultSetting on{"com.ENTM.useEVASSwitch", DefaultsValue(true)};
-  const VNLUserDefaultSetting off{"com.ENTM.useEVASSwitch", DefaultsValue(false)};
-  const VNLUserDefaultSetting other{"com.ENTK.HideBringPassAlert", DefaultsValue(true)};
-  EXPECT_EQ(std::hash<VNLUserDefaultSetting>{}(on), std::hash<VNLUserDefaultSetting>{}(off));
-  EXPECT_NE(on, off);
-  EXPECT_NE(on, other);
-  EXPECT_EQ(on, (VNLUserDefaultSetting{"com.ENTM.useEVASSwitch", DefaultsValue(true)}));
-
-  VNLUserDefaultSettings settings{on, off, other, on};
+TEST(VNLUserDefaultSetting, SettingsOfOneKeyShareABucketAndStillDiffer) {
+  const VNLUserDefaultSetting on{"com.ENTM.useEVASSwitch", true}, off{"com.ENTM.useEVASSwitch", false};
+  const VNLUserDefaultSettings settings{on, off, {"com.ENTK.HideBringPassAlert", true}, on};
   EXPECT_EQ(settings.size(), 3u);
-  EXPECT_FALSE(settings.contains({"com.ENTM.useEVASSwitch", DefaultsValue(1)}));
+  EXPECT_FALSE(settings.contains({"com.ENTM.useEVASSwitch", 1}));
 }
 
 }  // namespace
