@@ -4,12 +4,6 @@
 #include "varnel/services/VNLParseContractResponse.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace varnel;
-  fuzz::installHostOnce();
-  const Json answer = fuzz::answerFrom(data, size);
-  const VNLContractDataModel contract = VNLParseContractResponse().parseContract(answer);
-  (void)contract.debugDescription().size();
-  for (const auto& [key, link] : contract.linksDictionary) (void)contract.linkDetails(key).size();
-  (void)fuzz::printedSize(contract.toJson());
-  return 0;
+  const auto contract = varnel::VNLParseContractResponse().parseContract(varnel::fuzz::answerFrom(data, size));
+  return varnel::fuzz::described(contract.debugDescription(), contract.toJson());
 }

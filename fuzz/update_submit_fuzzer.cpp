@@ -4,11 +4,6 @@
 #include "varnel/services/VNLParseUpdateSubmitResponse.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace varnel;
-  fuzz::installHostOnce();
-  const Json answer = fuzz::answerFrom(data, size);
-  const RenewalConfirmation confirmation = VNLParseUpdateSubmitResponse().parse(answer);
-  (void)confirmation.pricing().debugDescription().size();
-  (void)fuzz::printedSize(confirmation.toJson());
-  return 0;
+  const auto confirmation = varnel::VNLParseUpdateSubmitResponse().parse(varnel::fuzz::answerFrom(data, size));
+  return varnel::fuzz::described(confirmation.pricing().debugDescription(), confirmation.toJson());
 }

@@ -2,7 +2,7 @@
 // std::source_location for clang 14 on GCC 12's standard library, whose
 // <source_location> needs a builtin that clang gained only in version 15.
 // Forced into every translation unit of the fuzzing build; it does nothing
-// where the standard library already provides the type.
+// where the standard library already provides the type. Columns are not kept.
 
 #include <version>
 
@@ -14,27 +14,20 @@ namespace std {
 struct source_location {
   static constexpr source_location current(const char* file = __builtin_FILE(),
                                            const char* function = __builtin_FUNCTION(),
-                                           std::uint_least32_t line = __builtin_LINE(),
-                                           std::uint_least32_t column = __builtin_COLUMN()) noexcept {
-    source_location location;
-    location.file_ = file;
-    location.function_ = function;
-    location.line_ = line;
-    location.column_ = column;
-    return location;
+                                           std::uint_least32_t line = __builtin_LINE()) noexcept {
+    return source_location(file, function, line);
   }
-
   constexpr source_location() noexcept = default;
   constexpr std::uint_least32_t line() const noexcept { return line_; }
-  constexpr std::uint_least32_t column() const noexcept { return column_; }
   constexpr const char* file_name() const noexcept { return file_; }
   constexpr const char* function_name() const noexcept { return function_; }
 
  private:
+  constexpr source_location(const char* file, const char* function, std::uint_least32_t line) noexcept
+      : file_(file), function_(function), line_(line) {}
   const char* file_ = "";
   const char* function_ = "";
   std::uint_least32_t line_ = 0;
-  std::uint_least32_t column_ = 0;
 };
 
 }  // namespace std
