@@ -1,54 +1,112 @@
 #pragma once
-// A fake entitlements manager (guest identity and profile only) and a fixture
-// that registers it on top of the host fakes.
+// The entitlements manager, fixture and builders shared by the entitlement tests.
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "support/Fakes.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
 #include "varnel/host/Registry.h"
+#include "varnel/standalone/GuestDataFile.h"
 
 namespace varnel::testing {
 
-class FakeEntitlementsManager final : public ENTMEntitlementsManager {
+/// Records what it is asked, holds its listeners weakly like a real manager,
+/// and answers only when the test says so, on the test's thread.
+class ScriptedEntitlementsManager final : public ENTMEntitlementsManager {
  public:
   void configureWithParkResortContext(std::shared_ptr<KTVCParkResortContext>) override {}
   std::optional<std::string> kuid() const override { return signedInKuid; }
   std::optional<ENTMUserProfile> userProfile() const override { return profile; }
-  void registerEntitlementListener(std::weak_ptr<ENTMEntitlementsListener>) override {}
-  void removeEntitlementListener(const ENTMEntitlementsListener*) override {}
-  void beginUpdateEntitlementsOfFilterType(ENTMEntitlementFilterType, const std::optional<Json>&) override {}
-  void retrieveAffiliationsFromUserInfo(const std::optional<Json>&) override {}
-  std::optional<ENTMAnyList> persistedEntitlementsOfType(ENTMEntitlementType) const override { return std::nullopt; }
+  void registerEntitlementListener(std::weak_ptr<ENTMEntitlementsListener> listener) override {
+    removeEntitlementListener(listener.lock().get());
+    listeners.push_back(std::move(listener));
+  }
+  void removeEntitlementListener(const ENTMEntitlementsListener* listener) override {
+    std::erase_if(listeners, [listener](const auto& entry) { return entry.lock().get() == listener; });
+  }
+  void beginUpdateEntitlementsOfFilterType(ENTMEntitlementFilterType filter, const std::optional<Json>& info) override {
+    requests.push_back({filter, info});
+  }
+  void retrieveAffiliationsFromUserInfo(const std::optional<Json>&) override { ++affiliationRequests; }
+  std::optional<ENTMAnyList> persistedEntitlementsOfType(ENTMEntitlementType) const override { return persisted; }
 
-  std::optional<std::string> signedInKuid;
+  /// Answers every registered listener, as after a download.
+  void answer(const std::function<void(ENTMEntitlementsListener&)>& call) {
+    for (const auto& entry : std::vector(listeners)) {
+      if (auto listener = entry.lock()) call(*listener);
+    }
+  }
+
+  std::optional<std::string> signedInKuid = "guest-kuid";
   std::optional<ENTMUserProfile> profile;
+  std::optional<ENTMAnyList> persisted;
+  std::vector<std::weak_ptr<ENTMEntitlementsListener>> listeners;
+  int affiliationRequests = 0;
+  std::vector<std::pair<ENTMEntitlementFilterType, std::optional<Json>>> requests;
 };
 
 class EntitlementFixture : public HostFixture {
  protected:
   void SetUp() override {
     HostFixture::SetUp();
-    manager = std::make_shared<FakeEntitlementsManager>();
-    manager->signedInKuid = "guest-kuid";
     host::Registry::set<ENTMEntitlementsManager>(manager);
   }
-
-  std::shared_ptr<FakeEntitlementsManager> manager;
+  std::shared_ptr<ScriptedEntitlementsManager> manager = std::make_shared<ScriptedEntitlementsManager>();
 };
 
-/// A manager entitlement to share in option lists.
-inline ENTMEntitlementRef entitlementRef(ENTMEntitlement entitlement) {
+/// A manager entitlement written as in a guest data file (its field names as keys).
+inline ENTMEntitlement entry(std::string_view json) {
+  auto guest = standalone::parseGuestData(R"({"entitlements": [)" + std::string(json) + "]}");
+  EXPECT_TRUE(guest) << standalone::describeGuestDataError(guest.error());
+  return guest ? *guest.value().entitlements.front() : ENTMEntitlement{};
+}
+
+/// A manager entitlement with the fields `fill` sets.
+inline ENTMEntitlement with(const std::function<void(ENTMEntitlement&)>& fill) {
+  ENTMEntitlement entitlement;
+  fill(entitlement);
+  return entitlement;
+}
+
+inline ENTMEntitlement withId(std::string id, std::optional<std::string> categoryId = std::nullopt) {
+  return with([&](auto& entitlement) { entitlement.productInstanceId = id; entitlement.categoryId = categoryId; });
+}
+
+inline ENTMEntitlementRef ref(ENTMEntitlement entitlement) {
   return std::make_shared<const ENTMEntitlement>(std::move(entitlement));
 }
 
-inline ENTMEntitlement withId(std::string productInstanceId, std::optional<std::string> categoryId = std::nullopt) {
-  ENTMEntitlement entitlement;
-  entitlement.productInstanceId = std::move(productInstanceId);
-  entitlement.categoryId = std::move(categoryId);
-  return entitlement;
+using Ids = std::vector<std::string>;
+
+template <typename List>
+Ids idsOf(const List& entitlements) {
+  Ids ids;
+  for (const auto& entitlement : entitlements) ids.push_back(entitlement ? entitlement->productInstanceID() : "null");
+  return ids;
+}
+
+/// Where a printed line claims to come from: "file function:line".
+inline std::string siteOf(const CapturingPrintSink::Line& line) {
+  return line.site.file + " " + line.site.function + ":" + std::to_string(line.site.line);
+}
+
+/// Compares the named fields one by one, so that a failure names the field.
+inline void expectFields(const Json& actual, const Json& expected) {
+  for (const auto& [key, value] : expected.items()) EXPECT_EQ(actual.value(key, Json("<absent>")), value) << key;
+}
+
+/// Checks every field of a converted entitlement's JSON: the value `renamed`
+/// gives it, else the source's value under the same name, else the default.
+inline void expectCopied(const Json& made, const Json& defaults, const Json& source, const Json& renamed) {
+  for (const auto& [key, value] : made.items()) {
+    const Json& expected = renamed.contains(key) ? renamed[key] : source.contains(key) ? source[key] : defaults.at(key);
+    EXPECT_EQ(value, expected) << key;
+  }
 }
 
 }  // namespace varnel::testing

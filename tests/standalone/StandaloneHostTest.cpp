@@ -1,11 +1,10 @@
-#include <fstream>
 #include <sstream>
 #include <thread>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "TemporaryDirectory.h"
 #include "support/Fakes.h"
-#include "varnel/host/Registry.h"
 #include "varnel/standalone/RunLoopMainQueue.h"
 #include "varnel/standalone/StringTableLocalization.h"
 #include "varnel/standalone/TerminalBanner.h"
@@ -13,60 +12,39 @@
 namespace varnel::standalone {
 namespace {
 
+using ::testing::AllOf, ::testing::HasSubstr, ::testing::Not;
+
 class StandaloneHostTest : public testing::HostFixture {
  protected:
-  void SetUp() override {
-    HostFixture::SetUp();
-    bundle = std::filesystem::temp_directory_path() /
-             ("varnel-strings-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
-              ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::create_directories(bundle / "en.lproj");
-  }
-  void TearDown() override {
-    std::filesystem::remove_all(bundle);
-    HostFixture::TearDown();
-  }
-  void writeTable(const std::string& content) { std::ofstream(bundle / "en.lproj" / "Localizable.json") << content; }
-
-  std::filesystem::path bundle;
+  testing::TemporaryDirectory bundle;
 };
 
-TEST_F(StandaloneHostTest, StringTableLooksUpKeysAndFallsBackToTheKey) {
-  writeTable(R"({"greeting": "Hello %@", "count": 3})");
+TEST_F(StandaloneHostTest, StringTableLooksUpTextsAndFallsBackToTheKey) {
+  bundle.write("en.lproj/Localizable.json", R"({"greeting": "Hello %@", "count": 3})");
+  bundle.write("en.lproj/Broken.json", "{ not json");
   StringTableLocalization strings;
-  EXPECT_EQ(strings.localizedStringForKey("greeting", "Localizable", bundle), "Hello %@");
-  EXPECT_EQ(strings.localizedStringForKey("missing", "Localizable", bundle), "missing");
-  EXPECT_EQ(strings.localizedStringForKey("count", "Localizable", bundle), "count");
-  EXPECT_EQ(strings.localizedStringForKey("greeting", "Other", bundle), "greeting");
-}
-
-TEST_F(StandaloneHostTest, MalformedStringTableIsReportedOnceAndHoldsNoKeys) {
-  writeTable("{ not json");
-  StringTableLocalization strings;
-  EXPECT_EQ(strings.localizedStringForKey("greeting", "Localizable", bundle), "greeting");
-  EXPECT_EQ(strings.localizedStringForKey("other", "Localizable", bundle), "other");
-  const auto lines = log->lines();
-  ASSERT_EQ(lines.size(), 1u);
-  EXPECT_TRUE(lines[0].isError);
+  EXPECT_EQ(strings.localizedStringForKey("greeting", "Localizable", bundle.path), "Hello %@");
+  const std::pair<const char*, const char*> fallbacks[] = {
+      {"missing", "Localizable"}, {"count", "Localizable"}, {"greeting", "Other"}, {"greeting", "Broken"},
+      {"other", "Broken"}};
+  for (const auto& [key, table] : fallbacks) {
+    EXPECT_EQ(strings.localizedStringForKey(key, table, bundle.path), key) << table;
+  }
+  ASSERT_EQ(log->lines().size(), 2u) << "the missing and the malformed table, each once";
+  EXPECT_TRUE(log->lines()[0].isError && log->lines()[1].isError);
 }
 
 TEST_F(StandaloneHostTest, TerminalBannerShowsKindMessagePhoneAndRetry) {
   std::ostringstream out;
-  TerminalBannerFactory factory(out);
-  auto banner = factory.serviceErrorBanner(Error{"varnel.error", 9, nullptr}, "Oops", "Please call %@");
+  auto banner = TerminalBannerFactory(out).serviceErrorBanner(Error{"varnel.error", 9, nullptr}, "Oops", "Call %@");
   banner->setPhoneNumber("(407) 555-0142");
   banner->setRetryBlock([](std::shared_ptr<KTVRNotificationBanner>) {});
   banner->show();
-  const std::string text = out.str();
-  EXPECT_NE(text.find("Service problem: Oops"), std::string::npos);
-  EXPECT_NE(text.find("Please call %@"), std::string::npos);
-  EXPECT_NE(text.find("Call (407) 555-0142"), std::string::npos);
-  EXPECT_NE(text.find("[Retry]"), std::string::npos);
-
+  EXPECT_THAT(out.str(), AllOf(HasSubstr("Service problem: Oops"), HasSubstr("Call %@"),
+                                HasSubstr("Call (407) 555-0142"), HasSubstr("[Retry]")));
   std::ostringstream quiet;
   TerminalBannerFactory(quiet).validationErrorBanner("", "Check the card")->show();
-  EXPECT_EQ(quiet.str().find("[Retry]"), std::string::npos);
-  EXPECT_EQ(quiet.str().find("Call "), std::string::npos);
+  EXPECT_THAT(quiet.str(), AllOf(HasSubstr("Check the card"), Not(HasSubstr("[Retry]")), Not(HasSubstr("Call "))));
 }
 
 TEST_F(StandaloneHostTest, RunLoopRunsPostedTasksInOrderOnTheDrivingThread) {
