@@ -3,47 +3,13 @@
 #include <algorithm>
 #include <system_error>
 
+#include "EntitlementLists.h"
 #include "varnel/dates/VNLDateUtility.h"
 #include "varnel/entitlements/ToVNLEntitlement.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
 #include "varnel/host/ResourceBundle.h"
 
 namespace varnel {
-
-namespace {
-
-/// The manager's persisted entitlements; an absent answer, a list holding
-/// anything but entitlements, or no manager at all read as none.
-std::vector<ENTMEntitlementRef> persistedRecords() {
-  auto manager = ENTMEntitlementsManager::sharedInstance();
-  if (!manager) return {};
-  const auto persisted = manager->persistedEntitlementsOfType(ENTMEntitlementType::annualPasses);
-  if (!persisted) return {};
-  auto records = asEntitlementList(*persisted);
-  return records ? std::move(*records) : std::vector<ENTMEntitlementRef>{};
-}
-
-// Conversion copies a record's isRenewable into entitlementRenewable and its
-// passExpirationDate (the unknown-date marker when absent) into
-// endValidityDate, and adds no rule of its own. So the store queries choose
-// among the records by these two values and convert only what they return:
-// the answers are those of converting everything first, at a fraction of the
-// cost.
-bool isRenewableRecord(const ENTMEntitlementRef& record) { return record->isRenewable; }
-Date endValidityOfRecord(const ENTMEntitlementRef& record) {
-  return record->passExpirationDate.value_or(Date::unknownMarker());
-}
-
-VNLVarnel::Entitlements converted(const std::vector<ENTMEntitlementRef>& records, bool onlyRenewable) {
-  VNLVarnel::Entitlements entitlements;
-  entitlements.reserve(records.size());
-  for (const auto& record : records) {
-    if (!onlyRenewable || isRenewableRecord(record)) entitlements.push_back(toVNLEntitlement(*record));
-  }
-  return entitlements;
-}
-
-}  // namespace
 
 void VNLVarnel::setDelegate(std::shared_ptr<VNLRenewableEntitlementsCountDelegate> delegate) {
   delegate_ = std::move(delegate);
@@ -55,25 +21,14 @@ VNLVarnel::Entitlements VNLVarnel::allEntitlements() const {
 }
 
 VNLVarnel::Entitlements VNLVarnel::renewableEntitlements() const {
-  if (!isDataMockedEnable_) return converted(persistedRecords(), /*onlyRenewable=*/true);
-  Entitlements renewable = mockedEntitlements();
+  Entitlements renewable = allEntitlements();
   std::erase_if(renewable, [](const auto& entitlement) { return !entitlement->entitlementRenewable(); });
   return renewable;
 }
 
-bool VNLVarnel::anyAPAbleToBeRenewed() const {
-  if (!isDataMockedEnable_) return std::ranges::any_of(persistedRecords(), isRenewableRecord);
-  return !renewableEntitlements().empty();
-}
+bool VNLVarnel::anyAPAbleToBeRenewed() const { return !renewableEntitlements().empty(); }
 
 std::shared_ptr<VNLEntitlement> VNLVarnel::firstRenewableEntitlement() const {
-  if (!isDataMockedEnable_) {
-    // The first of the ascending order is an earliest-ending renewable record.
-    std::vector<ENTMEntitlementRef> renewable = persistedRecords();
-    std::erase_if(renewable, [](const auto& record) { return !isRenewableRecord(record); });
-    const auto earliest = std::ranges::min_element(renewable, std::less<>{}, endValidityOfRecord);
-    return earliest == renewable.end() ? nullptr : toVNLEntitlement(**earliest);
-  }
   const Entitlements sorted = sortedByDateDescending(renewableEntitlements());
   return sorted.empty() ? nullptr : sorted.front();
 }
@@ -98,7 +53,15 @@ std::optional<std::filesystem::path> VNLVarnel::varnelBundle() {
 }
 
 VNLVarnel::Entitlements VNLVarnel::commerceEntitlements() const {
-  return converted(persistedRecords(), /*onlyRenewable=*/false);
+  Entitlements converted;
+  const auto manager = ENTMEntitlementsManager::sharedInstance();
+  if (!manager) return converted;
+  const auto persisted = manager->persistedEntitlementsOfType(ENTMEntitlementType::annualPasses);
+  if (!persisted) return converted;
+  if (!holdsOnlyEntitlements(*persisted)) return converted;
+  converted.reserve(persisted->size());
+  for (const ENTMAnyObject& record : *persisted) converted.push_back(toVNLEntitlement(entitlementIn(record)));
+  return converted;
 }
 
 VNLVarnel::Entitlements VNLVarnel::mockedEntitlements() const {

@@ -86,6 +86,25 @@ TEST_F(VNLVarnelTest, RenewalsComeFromTheStoreAndTheDelegateIsToldTheirCountOnly
   EXPECT_EQ(varnel.firstRenewalDate(), Date::unknownMarker());
 }
 
+TEST_F(VNLVarnelTest, EveryStoreQueryConvertsTheWholeStoreInOrder) {
+  manager->persisted = ENTMAnyList{ref(with([](auto& entitlement) {
+                                     entitlement.productInstanceId = "AP-1";
+                                     entitlement.categoryId = "AnnualPass";
+                                     entitlement.isRenewable = true;
+                                     entitlement.defaultRenewableProductId = "RN-1";
+                                     entitlement.apRenewalOptions = ENTMAnyList{ref(withId("RN-1", "AnnualPass"))};
+                                   })),
+                                   ref(withId("DP-1", "DiningPlan"))};
+  const Ids conversionLines{"Varnel entitlement instance with id AP-1 has 1 nested renewal options",
+                            "categoryID: DiningPlan not recognized"};
+  log->clear();
+  EXPECT_EQ(idsOf(varnel.renewableEntitlements()), (Ids{"AP-1"}));
+  EXPECT_EQ(log->messages(), conversionLines) << "the entitlement that is not renewable is converted as well";
+  log->clear();
+  EXPECT_EQ(varnel.firstRenewalDate(), Date::unknownMarker());
+  EXPECT_EQ(log->messages(), conversionLines);
+}
+
 TEST_F(VNLVarnelTest, NoStoreNoManagerOrAMistypedStoreReadAsEmpty) {
   auto checkEmpty = [&](const char* situation) {
     EXPECT_TRUE(varnel.allEntitlements().empty()) << situation;

@@ -2,8 +2,8 @@
 // VNLVarnel: the module's facade. It answers, synchronously and from the
 // entitlements manager's persisted store (or from a fixed mock list), which
 // entitlements the guest has, which are renewable, how many, and when the
-// first renewal falls due. Every query recomputes; nothing is cached. Store
-// queries convert (toVNLEntitlement) only the entitlements they answer with.
+// first renewal falls due. Every query reads the store again and converts
+// (toVNLEntitlement) every persisted entitlement; nothing is cached.
 //
 // The count of renewable entitlements is reported to the delegate once, when
 // a delegate is assigned; a host that wants a fresh count assigns again.
