@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "AdoptedProtocols.h"
 #include "CopyIfPresent.h"
 #include "EntitlementJson.h"
 #include "varnel/entitlements/VNLEntitlementProtocols.h"
@@ -27,9 +28,13 @@ std::string describeURL(const std::optional<std::string>& url) {
 VNLEntitlement::VNLEntitlement() = default;
 VNLEntitlement::~VNLEntitlement() = default;
 
-void VNLEntitlement::populate(const ENTMEntitlement& entitlement) {
+const AdoptedProtocols& VNLEntitlement::adoptedProtocolsOf(const VNLEntitlement& object) {
+  return AdoptedProtocols::of(object);
+}
+
+void VNLEntitlement::populate(const ENTMEntitlement& entitlement, const AdoptedProtocols& adopted) {
   populateBaseFields(entitlement);
-  populateAdoptedProtocols(entitlement);
+  adopted.populate(*this, entitlement);
   finishInit(entitlement);
 }
 
@@ -60,34 +65,6 @@ void VNLEntitlement::populateBaseFields(const ENTMEntitlement& from) {
   copyIfPresent(from.benefits, [&](const auto& v) { benefits_ = v; });
   copyIfPresent(from.currentTicketValue, [&](float v) { currentTicketValue_ = v; });
   copyIfPresent(from.shortEntitlementName, [&](const auto& v) { shortEntitlementName_ = v; });
-}
-
-// Runs on the fully built object, so the test sees the object's own class.
-void VNLEntitlement::populateAdoptedProtocols(const ENTMEntitlement& from) {
-  if (auto* adopted = dynamic_cast<VNLEntitlementTypeProtocol*>(this)) adopted->populateTypeFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementStatusProtocol*>(this)) adopted->populateStatusFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementSunsetProtocol*>(this)) adopted->populateSunsetFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementPaymentProtocol*>(this)) adopted->populatePaymentFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementAgeGroupProtocol*>(this)) {
-    adopted->populateAssignedAgeGroupField(from);
-  }
-  if (auto* adopted = dynamic_cast<VNLEntitlementLinkableProtocol*>(this)) adopted->populateLinkableFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementLocationProtocol*>(this)) adopted->populateLocationFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementMultiDayProtocol*>(this)) adopted->populateMultiDayFields(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementRenewableProtocol*>(this)) adopted->populateRenewable(from);
-  if (auto* adopted = dynamic_cast<VNLEntitlementTimeWindowProtocol*>(this)) {
-    adopted->populateTimeWindowFields(from);
-  }
-  if (auto* adopted = dynamic_cast<VNLEntitlementAssignedSeatProtocol*>(this)) {
-    adopted->populateAssignedSeatFields(from);
-  }
-  if (auto* adopted = dynamic_cast<VNLEntitlementGovernmentIDProtocol*>(this)) {
-    adopted->populateGovernementIDFields(from);
-  }
-  if (auto* adopted = dynamic_cast<VNLEntitlementGuestProfileProtocol*>(this)) {
-    adopted->populateGuestProfileFields(from);
-  }
-  if (auto* adopted = dynamic_cast<VNLEntitlementPolicyProtocol*>(this)) adopted->populatePolicyFields(from);
 }
 
 void VNLEntitlement::finishInit(const ENTMEntitlement&) {}

@@ -23,6 +23,8 @@
 
 namespace varnel {
 
+class AdoptedProtocols;
+
 class VNLEntitlement {
  public:
   /// The kind of product a subclass's `productType` names.
@@ -46,7 +48,10 @@ class VNLEntitlement {
     requires std::derived_from<Entitlement, VNLEntitlement>
   static std::shared_ptr<Entitlement> initWith(const ENTMEntitlement& entitlement) {
     auto object = std::make_shared<Entitlement>();
-    object->populate(entitlement);
+    // Every object made here is exactly an `Entitlement`, so the protocols its
+    // class adopts are decided once, by testing the first one made.
+    static const AdoptedProtocols& adopted = adoptedProtocolsOf(*object);
+    object->populate(entitlement, adopted);
     return object;
   }
 
@@ -162,9 +167,9 @@ class VNLEntitlement {
   virtual void finishInit(const ENTMEntitlement& entitlement);
 
  private:
-  void populate(const ENTMEntitlement& entitlement);
+  static const AdoptedProtocols& adoptedProtocolsOf(const VNLEntitlement& object);
+  void populate(const ENTMEntitlement& entitlement, const AdoptedProtocols& adopted);
   void populateBaseFields(const ENTMEntitlement& entitlement);
-  void populateAdoptedProtocols(const ENTMEntitlement& entitlement);
 
   std::string productInstanceID_;
   std::string passDisplayName_;
