@@ -1,5 +1,6 @@
 #include "varnel/entitlements/ToVNLEntitlement.h"
 
+#include "EntitlementLists.h"
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/entitlements/VNLEntitlementParkTicket.h"
 #include "varnel/host/KTVCPrintUtility.h"
@@ -14,8 +15,10 @@ std::shared_ptr<VNLEntitlement> makeForCategory(const ENTMEntitlement& entitleme
   if (!entitlement.categoryId) return VNLEntitlement::initWith<VNLEntitlement>(entitlement);
   const auto category = categoryIDFromRawValue(*entitlement.categoryId);
   if (!category) {
-    KTVCPrintUtility::debugPrint("categoryID: " + *entitlement.categoryId + " not recognized",
-                                 LogSite{kLogFile, kLogFunction, 40});
+    if (KTVCPrintUtility::isEnabled()) {
+      static const LogSite site{kLogFile, kLogFunction, 40};
+      KTVCPrintUtility::debugPrint("categoryID: " + *entitlement.categoryId + " not recognized", site);
+    }
     return VNLEntitlement::initWith<VNLEntitlement>(entitlement);
   }
   switch (*category) {
@@ -44,19 +47,22 @@ std::string_view rawValue(CategoryID category) {
 std::shared_ptr<VNLEntitlement> toVNLEntitlement(const ENTMEntitlement& entitlement) {
   auto result = makeForCategory(entitlement);
 
-  const auto options = entitlement.apRenewalOptions ? asEntitlementList(*entitlement.apRenewalOptions) : std::nullopt;
-  if (options) {
+  if (entitlement.apRenewalOptions && holdsOnlyEntitlements(*entitlement.apRenewalOptions)) {
+    const ENTMAnyList& options = *entitlement.apRenewalOptions;
     // Every renewal option is an annual pass, whatever its own category, and
     // its own options are not expanded.
     std::vector<std::shared_ptr<VNLEntitlement>> renewalOptions;
-    renewalOptions.reserve(options->size());
-    for (const ENTMEntitlementRef& option : *options) {
-      renewalOptions.push_back(VNLEntitlement::initWith<VNLEntitlementAnnualPass>(*option));
+    renewalOptions.reserve(options.size());
+    for (const ENTMAnyObject& option : options) {
+      renewalOptions.push_back(VNLEntitlement::initWith<VNLEntitlementAnnualPass>(entitlementIn(option)));
     }
     result->setApRenewalOptions(std::move(renewalOptions));
-    KTVCPrintUtility::debugPrint("Varnel entitlement instance with id " + result->productInstanceID() + " has " +
-                                     std::to_string(options->size()) + " nested renewal options",
-                                 LogSite{kLogFile, kLogFunction, 53});
+    if (KTVCPrintUtility::isEnabled()) {
+      static const LogSite site{kLogFile, kLogFunction, 53};
+      KTVCPrintUtility::debugPrint("Varnel entitlement instance with id " + result->productInstanceID() + " has " +
+                                       std::to_string(options.size()) + " nested renewal options",
+                                   site);
+    }
   }
   return result;
 }

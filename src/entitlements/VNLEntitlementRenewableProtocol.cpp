@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "EntitlementLists.h"
 #include "varnel/entitlements/ToVNLEntitlement.h"
 #include "varnel/entitlements/VNLEntitlement.h"
 
@@ -29,14 +30,14 @@ class RenewalInProgress {
 
 void VNLEntitlementRenewableProtocol::populateRenewable(const ENTMEntitlement& from) {
   if (!from.defaultRenewableProductId || !from.apRenewalOptions || RenewalInProgress::contains(from)) return;
-  const auto options = asEntitlementList(*from.apRenewalOptions);
-  if (!options) return;
-  const auto match = std::find_if(options->begin(), options->end(), [&](const ENTMEntitlementRef& option) {
-    return option->productInstanceId == from.defaultRenewableProductId;
+  const ENTMAnyList& options = *from.apRenewalOptions;
+  if (!holdsOnlyEntitlements(options)) return;
+  const auto match = std::find_if(options.begin(), options.end(), [&](const ENTMAnyObject& option) {
+    return entitlementIn(option).productInstanceId == from.defaultRenewableProductId;
   });
-  if (match == options->end()) return;
+  if (match == options.end()) return;
   RenewalInProgress inProgress(from);
-  setRenewableEntitlement(toVNLEntitlement(**match));
+  setRenewableEntitlement(toVNLEntitlement(entitlementIn(*match)));
 }
 
 void VNLEntitlementRenewableProtocol::writeRenewableFields(Json& json) const {

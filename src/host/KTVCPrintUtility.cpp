@@ -15,6 +15,8 @@ LogSite LogSite::current(std::source_location location) {
   return LogSite{std::string(file), location.function_name(), static_cast<int>(location.line())};
 }
 
+bool KTVCPrintUtility::isEnabled() { return host::Registry::get<KTVCPrintSink>() != nullptr; }
+
 void KTVCPrintUtility::debugPrint(std::string_view message, const LogSite& site) {
   if (auto sink = host::Registry::get<KTVCPrintSink>()) sink->debugPrint(message, site);
 }

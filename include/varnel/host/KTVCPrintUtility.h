@@ -31,6 +31,9 @@ class KTVCPrintSink {
 /// Static front of the printer registered with the host registry; without
 /// one, lines are dropped.
 struct KTVCPrintUtility {
+  /// Whether a printer is registered: a caller may skip building a message
+  /// that would be dropped.
+  static bool isEnabled();
   static void debugPrint(std::string_view message, const LogSite& site = LogSite::current());
   static void errorPrint(std::string_view message, const LogSite& site = LogSite::current());
 };
