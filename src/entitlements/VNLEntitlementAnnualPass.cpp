@@ -25,6 +25,10 @@ Date dateMember(const Json& jsonData, std::string_view key) {
 
 }  // namespace
 
+// Defined here, not defaulted in the class, so that make_shared runs only
+// the member initialisers instead of zeroing the whole object first.
+VNLEntitlementAnnualPass::VNLEntitlementAnnualPass() = default;
+
 std::shared_ptr<VNLEntitlementAnnualPass> VNLEntitlementAnnualPass::initWithJsonData(const Json& jsonData) {
   auto pass = std::make_shared<VNLEntitlementAnnualPass>();
   if (const std::string* productTypeId = jsonString(jsonData, VNLEntitlementProductTypeIdKey)) {
@@ -64,6 +68,11 @@ std::string_view VNLEntitlementAnnualPass::specialRawValue(Special special) {
     case Special::vantor: return "vantor-after4-pass";
   }
   return "";
+}
+
+const Json& VNLEntitlementAnnualPass::emptyPolicyArray() {
+  static const Json empty = Json::array();
+  return empty;
 }
 
 bool VNLEntitlementAnnualPass::isSpecialPass() const {

@@ -23,6 +23,10 @@ void populatePaymentFieldsFromJson(VNLEntitlementPaymentProtocol& payment, const
 
 }  // namespace
 
+// Defined here, not defaulted in the class, so that make_shared runs only
+// the member initialisers instead of zeroing the whole object first.
+VNLEntitlementParkTicket::VNLEntitlementParkTicket() = default;
+
 std::shared_ptr<VNLEntitlementParkTicket> VNLEntitlementParkTicket::initWithJsonData(const Json& jsonData) {
   auto ticket = std::make_shared<VNLEntitlementParkTicket>();
   populateBasePriceFields(*ticket, jsonData);

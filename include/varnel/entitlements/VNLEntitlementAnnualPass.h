@@ -27,7 +27,7 @@ class VNLEntitlementAnnualPass : public VNLEntitlement,
  public:
   /// init(): the base defaults; productType annualPass; the four dates at the
   /// unknown-date marker; numbers 0, texts "", currencyForPrice the US dollar.
-  VNLEntitlementAnnualPass() = default;
+  VNLEntitlementAnnualPass();
 
   /// init(jsonData:), from a dictionary of string to any (anything else gives
   /// the defaults). In order:
@@ -119,7 +119,7 @@ class VNLEntitlementAnnualPass : public VNLEntitlement,
   // --- Policy ---
   const std::string& policyTitle() const override { return policyTitle_; }
   void setPolicyTitle(std::string value) override { policyTitle_ = std::move(value); }
-  const Json& policyArray() const override { return policyArray_; }
+  const Json& policyArray() const override { return policyArray_ ? *policyArray_ : emptyPolicyArray(); }
   void setPolicyArray(Json value) override { policyArray_ = std::move(value); }
   const std::string& policyLink() const override { return policyLink_; }
   void setPolicyLink(std::string value) override { policyLink_ = std::move(value); }
@@ -160,6 +160,7 @@ class VNLEntitlementAnnualPass : public VNLEntitlement,
   /// Pass products that are treated specially (no blockout summary).
   enum class Special { crestlinePlus, cobaltPlus, cobalt, vantor };
   static std::string_view specialRawValue(Special special);
+  static const Json& emptyPolicyArray();
 
   Type productType_ = Type::annualPass;
   std::string renewalType_;
@@ -188,7 +189,9 @@ class VNLEntitlementAnnualPass : public VNLEntitlement,
   bool isSunsetPass_ = false;
   std::string ageGroup_;
   std::string policyTitle_;
-  Json policyArray_ = Json::array();
+  /// Unset until assigned; an unset list reads as one shared empty list, so
+  /// that making a pass allocates nothing for it.
+  std::optional<Json> policyArray_;
   std::string policyLink_;
   std::string policyText_;
   std::shared_ptr<VNLEntitlement> renewableEntitlement_;

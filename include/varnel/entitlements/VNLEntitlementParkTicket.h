@@ -20,7 +20,7 @@ class VNLEntitlementParkTicket : public VNLEntitlement,
                                  public VNLEntitlementUpgradeableProtocol {
  public:
   /// init(): the base defaults; productType parkTicket; no affiliations, no upgrade options.
-  VNLEntitlementParkTicket() = default;
+  VNLEntitlementParkTicket();
 
   /// init(jsonData:), from a dictionary of string to any (anything else gives
   /// the defaults). Keys, each read only when of the right kind:
