@@ -167,6 +167,8 @@ class VNLEntitlement {
   virtual void finishInit(const ENTMEntitlement& entitlement);
 
  private:
+  /// The capability protocols of `object`'s own class and their copy
+  /// operations, decided on the first object of that class.
   static const AdoptedProtocols& adoptedProtocolsOf(const VNLEntitlement& object);
   void populate(const ENTMEntitlement& entitlement, const AdoptedProtocols& adopted);
   void populateBaseFields(const ENTMEntitlement& entitlement);
