@@ -99,7 +99,7 @@ bool VNLEntitlementAnnualPass::renewableEntitlementMonthlyPaymentEligible() cons
   if (dynamic_cast<const VNLEntitlementAnnualPass*>(renewableEntitlement_.get())) {
     return renewableEntitlement_->monthlyPaymentEligible();
   }
-  return isMonthlyPaymentEligible_;
+  return isMonthlyPaymentEligible();
 }
 
 std::string VNLEntitlementAnnualPass::debugDescription() const {
@@ -116,19 +116,19 @@ std::string VNLEntitlementAnnualPass::debugDescription() const {
   entry("passValidityStartDate: ", describe(passValidityStartDate_));
   entry("passExpirationDate: ", describe(passExpirationDate_));
   entry("calendarId: ", calendarId_);
-  entry("annualPayment: ", describe(annualPayment_));
-  entry("tax: ", describe(tax_));
-  entry("currency: ", describe(currencyForPrice_));
-  entry("isMonthlyPaymentEligible: ", describe(isMonthlyPaymentEligible_));
-  entry("savingPercentage: ", savingPercentage_);
+  entry("annualPayment: ", describe(annualPayment()));
+  entry("tax: ", describe(tax()));
+  entry("currency: ", describe(currencyForPrice()));
+  entry("isMonthlyPaymentEligible: ", describe(isMonthlyPaymentEligible()));
+  entry("savingPercentage: ", savingPercentage());
   entry("pricePerMonth: ", describe(pricePerMonth()));
-  entry("address: ", address_);
-  entry("stateProvince: ", stateProvince_);
-  entry("postalCode: ", postalCode_);
-  entry("country: ", country_);
-  entry("city: ", city_);
+  entry("address: ", address());
+  entry("stateProvince: ", stateProvince());
+  entry("postalCode: ", postalCode());
+  entry("country: ", country());
+  entry("city: ", city());
   entry("avatarId: ", avatarId());
-  entry("downpayment: ", downpayment_);
+  entry("downpayment: ", downpayment());
   entry("isSunsetPass: ", describe(isSunsetPass_));
   entry("ageGroup : ", ageGroup_);
   entry("renewalType : ", renewalType_);

@@ -12,14 +12,15 @@
 #include "varnel/dates/BlockoutGroup.h"
 #include "varnel/entitlements/VNLEntitlement.h"
 #include "varnel/entitlements/VNLEntitlementProtocols.h"
+#include "varnel/entitlements/protocols/StoredProtocolFields.h"
 
 namespace varnel {
 
 class VNLEntitlementAnnualPass : public VNLEntitlement,
                                  public VNLEntitlementTypeProtocol,
                                  public VNLEntitlementTimeWindowProtocol,
-                                 public VNLEntitlementPaymentProtocol,
-                                 public VNLEntitlementLocationProtocol,
+                                 public StoredPaymentFields<VNLEntitlementAnnualPass>,
+                                 public StoredLocationFields,
                                  public VNLEntitlementSunsetProtocol,
                                  public VNLEntitlementAgeGroupProtocol,
                                  public VNLEntitlementPolicyProtocol,
@@ -78,35 +79,10 @@ class VNLEntitlementAnnualPass : public VNLEntitlement,
   const std::optional<std::string>& admissionDays() const override { return admissionDays_; }
   void setAdmissionDays(std::optional<std::string> value) override { admissionDays_ = std::move(value); }
 
-  // --- Payment ---
-  float annualPayment() const override { return annualPayment_; }
-  void setAnnualPayment(float value) override { annualPayment_ = value; }
-  float pricePerMonth() const override { return VNLEntitlement::pricePerMonth(); }
-  void setPricePerMonth(float value) override { VNLEntitlement::setPricePerMonth(value); }
-  bool isMonthlyPaymentEligible() const override { return isMonthlyPaymentEligible_; }
-  void setIsMonthlyPaymentEligible(bool value) override { isMonthlyPaymentEligible_ = value; }
-  VNLCurrency currencyForPrice() const override { return currencyForPrice_; }
-  void setCurrencyForPrice(VNLCurrency value) override { currencyForPrice_ = value; }
-  const std::string& downpayment() const override { return downpayment_; }
-  void setDownpayment(std::string value) override { downpayment_ = std::move(value); }
-  const std::string& savingPercentage() const override { return savingPercentage_; }
-  void setSavingPercentage(std::string value) override { savingPercentage_ = std::move(value); }
-  float subTotalPrice() const override { return subTotalPrice_; }
-  void setSubTotalPrice(float value) override { subTotalPrice_ = value; }
-  float tax() const override { return tax_; }
-  void setTax(float value) override { tax_ = value; }
+  // --- Payment and location: StoredPaymentFields, StoredLocationFields ---
+  using StoredPaymentFields::pricePerMonth;
+  using StoredPaymentFields::setPricePerMonth;
 
-  // --- Location ---
-  const std::string& address() const override { return address_; }
-  void setAddress(std::string value) override { address_ = std::move(value); }
-  const std::string& stateProvince() const override { return stateProvince_; }
-  void setStateProvince(std::string value) override { stateProvince_ = std::move(value); }
-  const std::string& postalCode() const override { return postalCode_; }
-  void setPostalCode(std::string value) override { postalCode_ = std::move(value); }
-  const std::string& country() const override { return country_; }
-  void setCountry(std::string value) override { country_ = std::move(value); }
-  const std::string& city() const override { return city_; }
-  void setCity(std::string value) override { city_ = std::move(value); }
 
   // --- Sunset ---
   bool isSunsetPass() const override { return isSunsetPass_; }
@@ -174,18 +150,6 @@ class VNLEntitlementAnnualPass : public VNLEntitlement,
   Date passExpirationDate_ = Date::unknownMarker();
   std::string calendarId_;
   std::optional<std::string> admissionDays_;
-  float annualPayment_ = 0;
-  bool isMonthlyPaymentEligible_ = false;
-  VNLCurrency currencyForPrice_ = VNLCurrency::usd;
-  std::string downpayment_;
-  std::string savingPercentage_;
-  float subTotalPrice_ = 0;
-  float tax_ = 0;
-  std::string address_;
-  std::string stateProvince_;
-  std::string postalCode_;
-  std::string country_;
-  std::string city_;
   bool isSunsetPass_ = false;
   std::string ageGroup_;
   std::string policyTitle_;
