@@ -171,6 +171,13 @@ const std::string& CreditCardUtility::cardCode(CreditCardType type) const {
   return none;
 }
 
+const char16_t* CreditCardUtility::brandPattern(CreditCardType type) {
+  for (const auto& brand : kBrandPatterns) {
+    if (brand.type == type) return brand.pattern;
+  }
+  return nullptr;
+}
+
 std::string_view CreditCardUtility::caseName(CreditCardType type) {
   switch (type) {
     case Type::KTVRCreditCardType_Unknown: return "KTVRCreditCardType_Unknown";

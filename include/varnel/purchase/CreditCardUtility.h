@@ -41,6 +41,10 @@ struct CreditCardUtility {
   /// The service's code of `type`; empty text for Unknown and ApplePay.
   const std::string& cardCode(CreditCardType type) const;
 
+  /// The regular expression (ICU syntax) a number of brand `type` matches;
+  /// null for Unknown and ApplePay, which have none.
+  static const char16_t* brandPattern(CreditCardType type);
+
   /// The case name of `type`, such as "KTVRCreditCardType_Visa".
   static std::string_view caseName(CreditCardType type);
 };
