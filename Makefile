@@ -1,9 +1,11 @@
 # The two everyday commands:
 #   make run    the main job on the embedded defaults
 #   make test   install what is missing, build with sanitizers, run every test
-.PHONY: run test build bench bootstrap clean
+.PHONY: run test build build-tsan bench bootstrap clean
 
 JOBS ?= 2
+# The programs the main job runs; `make run` builds these and nothing else.
+RUN_TARGETS ?= varnel
 
 bootstrap:
 	@scripts/bootstrap
@@ -12,11 +14,17 @@ build: bootstrap
 	cmake --preset dev
 	cmake --build --preset dev -j $(JOBS)
 
+build-tsan: bootstrap
+	cmake --preset tsan
+	cmake --build --preset tsan -j $(JOBS)
+
 test: build
 	ctest --preset dev
 
-run: build
-	@scripts/demo
+run: bootstrap
+	@cmake --preset run > /dev/null
+	@cmake --build --preset run -j $(JOBS) --target $(RUN_TARGETS)
+	@VARNEL_BIN_DIR=build/run/apps scripts/demo
 
 bench: bootstrap
 	cmake --preset release

@@ -1,8 +1,13 @@
 # One static library per concern folder. Sources are every .cpp of the folder;
 # public headers live under include/varnel/<concern>/.
+# Warnings are errors only where VARNEL_WARNINGS_AS_ERRORS asks for it (the
+# presets and CI); an integrator's plain build never fails on a new warning.
 function(varnel_enable_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
-                                           -Woverloaded-virtual -Werror)
+                                           -Woverloaded-virtual)
+  if(VARNEL_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
 endfunction()
 
 # varnel_add_component(<name> [DEPENDS <targets>...] [PRIVATE_DEPENDS <targets>...])

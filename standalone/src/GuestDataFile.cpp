@@ -275,6 +275,10 @@ void readProfile(const Json& value, GuestData& guest) {
   for (const auto& [key, member] : value.items()) {
     if (key == "kuid") {
       read(member, "profile.kuid", guest.kuid);
+    } else if (key == "accessToken") {
+      read(member, "profile.accessToken", guest.accessToken);
+    } else if (key == "email") {
+      read(member, "profile.email", guest.email);
     } else if (key == "avatarId") {
       std::optional<std::string> avatarId;
       read(member, "profile.avatarId", avatarId);
@@ -300,6 +304,12 @@ GuestData readDocument(const Json& document) {
       hasEntitlements = true;
     } else if (key == "affiliations") {
       read(value, key, guest.affiliations);
+    } else if (key == "paymentAccounts") {
+      for (std::size_t i = 0; const auto& account : requireArray(value, key)) {
+        if (!account.is_object()) violation(at(key, i), "expected a JSON object");
+        guest.paymentAccounts.push_back(account);
+        ++i;
+      }
     } else if (key == "theaterTickets") {
       for (std::size_t i = 0; const auto& ticket : requireArray(value, key)) {
         if (!ticket.is_object()) violation(at(key, i), "expected a JSON object");

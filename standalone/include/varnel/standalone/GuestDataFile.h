@@ -6,10 +6,13 @@
 //
 //   {
 //     "description": "free text, ignored",                       (optional)
-//     "profile": { "kuid": "...", "avatarId": "..." },           (optional; no kuid = nobody signed in)
+//     "profile": { "kuid": "...", "avatarId": "...",             (optional; no kuid = nobody signed in)
+//                  "accessToken": "...", "email": "..." },     (the guest's bearer token and e-mail)
 //     "entitlements": [ <entitlement>, ... ],                    (required, may be empty)
 //     "affiliations": [ <affiliation>, ... ],                    (optional; absent stays absent)
-//     "theaterTickets": [ { ...any JSON object... }, ... ]       (optional)
+//     "theaterTickets": [ { ...any JSON object... }, ... ],      (optional)
+//     "paymentAccounts": [ { ...stored card... }, ... ]          (optional; the payment-accounts
+//                                                                  answer's records, resources/environments)
 //   }
 //
 // <entitlement> is an object whose keys are the field names of ENTMEntitlement
@@ -81,6 +84,11 @@ struct GuestData {
   std::vector<ENTMEntitlementRef> entitlements;
   std::optional<std::vector<ENTMAffiliation>> affiliations;
   std::vector<Json> theaterTickets;
+  /// The signed-in guest's bearer token and e-mail address.
+  std::optional<std::string> accessToken;
+  std::optional<std::string> email;
+  /// The stored cards, as the payment-accounts answer carries them.
+  std::vector<Json> paymentAccounts;
 };
 
 /// Parses the text of a guest data file. `origin` names the file in errors.
