@@ -1,4 +1,4 @@
-# Installable package: find_package(Varnel CONFIG COMPONENTS core standalone)
+# Installable package: find_package(Varnel CONFIG COMPONENTS core standalone testing)
 # and a pkg-config file "varnel".
 include(CMakePackageConfigHelpers)
 
@@ -7,13 +7,17 @@ install(TARGETS ${components} varnel_core EXPORT VarnelCoreTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS varnel_standalone EXPORT VarnelStandaloneTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS varnel_testing EXPORT VarnelTestingTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/varnel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY standalone/include/varnel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY testing/include/varnel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/varnel)
 
 set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Varnel)
 install(EXPORT VarnelCoreTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
 install(EXPORT VarnelStandaloneTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
+install(EXPORT VarnelTestingTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
 configure_package_config_file(cmake/VarnelConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/VarnelConfig.cmake INSTALL_DESTINATION ${config_dir})
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/VarnelConfigVersion.cmake

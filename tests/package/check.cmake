@@ -21,6 +21,11 @@ if(NOT last_output MATCHES "1970-01-01 00:00:01 \\+0000")
   message(FATAL_ERROR "consumer printed: ${last_output}")
 endif()
 
+run("${WORK_DIR}/consumer/fakes_consumer")
+if(NOT last_output MATCHES "Welcome back")
+  message(FATAL_ERROR "fakes_consumer printed: ${last_output}")
+endif()
+
 set(ENV{PKG_CONFIG_PATH} "${prefix}/lib/pkgconfig")
 run(pkg-config --cflags --libs varnel)
 if(NOT last_output MATCHES "-lvarnel_platform")

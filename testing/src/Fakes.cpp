@@ -1,4 +1,4 @@
-#include "support/Fakes.h"
+#include "varnel/testing/Fakes.h"
 
 #include <algorithm>
 
@@ -118,14 +118,14 @@ std::size_t ManualMainQueue::pending() const {
   return tasks_.size();
 }
 
-void HostFixture::SetUp() {
+FakeHost::FakeHost()
+    : log(std::make_shared<CapturingPrintSink>()),
+      localization(std::make_shared<TableLocalization>()),
+      banners(std::make_shared<RecordingBannerFactory>()),
+      defaults(std::make_shared<InMemoryUserDefaults>()),
+      mainQueue(std::make_shared<ManualMainQueue>()) {
   using host::Registry;
   Registry::clear();
-  log = std::make_shared<CapturingPrintSink>();
-  localization = std::make_shared<TableLocalization>();
-  banners = std::make_shared<RecordingBannerFactory>();
-  defaults = std::make_shared<InMemoryUserDefaults>();
-  mainQueue = std::make_shared<ManualMainQueue>();
   Registry::set<KTVCPrintSink>(log);
   Registry::set<KTVRLocalization>(localization);
   Registry::set<KTVRNotificationBannerFactory>(banners);
@@ -133,6 +133,6 @@ void HostFixture::SetUp() {
   Registry::set<MainQueue>(mainQueue);
 }
 
-void HostFixture::TearDown() { host::Registry::clear(); }
+FakeHost::~FakeHost() { host::Registry::clear(); }
 
 }  // namespace varnel::testing
