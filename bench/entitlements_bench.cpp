@@ -66,9 +66,9 @@ ENTMEntitlementRef record(int index) {
   entitlement->passValidityStartDate = Date::fromTimeIntervalSince1970(1900000000.0 + index * 3600);
   entitlement->passExpirationDate = Date::fromTimeIntervalSince1970(1930000000.0 + (index * 7919 % 1000) * 86400);
   entitlement->address = "12 Harbour Lane";
-  entitlement->city = "Orlando";
-  entitlement->state = "FL";
-  entitlement->postalCode = "32801";
+  entitlement->city = "Wrenfield";
+  entitlement->state = "QZ";
+  entitlement->postalCode = "00042";
   entitlement->country = "US";
   switch (index % 5) {
     case 0:

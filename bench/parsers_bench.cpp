@@ -42,15 +42,15 @@ Json largeAnswer() {
                       {"kuid", "{A1B2C3D4-" + std::to_string(i) + "}"},
                       {"avatarImage", "avatar-" + std::to_string(i)},
                       {"name", {{"firstName", "First" + std::to_string(i)}, {"lastName", "Family"}}},
-                      {"phoneNumber", {{"type", "MOBILE"}, {"number", "40755501" + std::to_string(i)}}},
+                      {"phoneNumber", {{"type", "MOBILE"}, {"number", "59255501" + std::to_string(i)}}},
                       {"emailAddress", "guest" + std::to_string(i) + "@example.test"},
                       {"birthDate", "1990-01-01"},
                       {"address",
                        {{"line1", std::to_string(i) + " Lantern Way"},
                         {"line2", "Unit 3"},
-                        {"city", "Cedar Falls"},
-                        {"stateOrProvince", "FL"},
-                        {"postalCode", "32830"},
+                        {"city", "Hollowmere"},
+                        {"stateOrProvince", "QZ"},
+                        {"postalCode", "00043"},
                         {"country", "US"}}}});
   }
   Json policies = Json::array();

@@ -72,8 +72,8 @@ TEST_F(CapabilityProtocols, AnAnnualPassGetsEveryBaseAndProtocolFieldFromTheOneI
       "holderName": "Ada Byron", "nickname": "Ada", "shortEntitlementName": "Cobalt", "benefits": "Parking",
       "productType": "cobalt-annual-pass", "defaultRenewableProductId": "next", "ageGroup": "adult",
       "calendarId": "CAL-1", "admissionDays": "Mon-Thu", "currency": "USD", "downpayment": "99.00",
-      "discount": "15%", "address": "1 Main St", "state": "FL", "postalCode": "32830", "country": "US",
-      "city": "Bay Lake", "policyTitle": "Terms", "policyLink": "https://terms.example",
+      "discount": "15%", "address": "1 Quill Row", "state": "QZ", "postalCode": "00043", "country": "US",
+      "city": "Wrenfield", "policyTitle": "Terms", "policyLink": "https://terms.example",
       "calculatedPolicyText": "Full text", "policyArray": ["a", "b"], "seatName": "A1",
       "isShared": true, "isSellable": true, "isRenewable": true, "monthlyPaymentEligible": true,
       "passExpirationDate": "2026-02-28T15:00:00Z", "passValidityStartDate": "2025-03-01T15:00:00Z",
@@ -85,7 +85,7 @@ TEST_F(CapabilityProtocols, AnAnnualPassGetsEveryBaseAndProtocolFieldFromTheOneI
       "productInstanceID": "PI-1", "passDisplayName": "Cobalt Pass", "passNameAndAge": "Cobalt - Adult",
       "guestIDType": "RESIDENT", "avatarImageURL": "https://img.example/a.png", "barcodeID": "BC-9",
       "categoryID": "AnnualPass", "productTypeID": "cobalt-annual-pass", "productType": 1,
-      "savingPercentage": "15%", "stateProvince": "FL", "policyText": "Full text", "shared": true,
+      "savingPercentage": "15%", "stateProvince": "QZ", "policyText": "Full text", "shared": true,
       "sellable": true, "entitlementRenewable": true, "isMonthlyPaymentEligible": true, "isSpecialPass": true,
       "endValidityDate": "2026-02-28T15:00:00Z", "annualPayment": 899})"_json);
 }

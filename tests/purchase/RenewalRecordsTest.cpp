@@ -12,8 +12,8 @@ namespace {
 RenewableGuest guest(std::string firstName, std::string participantId) {
   return RenewableGuest({.isMe = true, .avatarID = "av-1", .guestFirstName = firstName, .guestLastName = "Lovelace",
                          .guestFullName = firstName + " Lovelace", .guestPassName = "Gold Pass", .dob = "1990-02-03",
-                         .streetAddress = "1 Main St\nApt 2", .city = "Springfield",
-                         .state = "StateThatMustNotAppear", .country = "US", .zipCode = "12345",
+                         .streetAddress = "1 Quill Row\nApt 2", .city = "Marrowby",
+                         .state = "StateThatMustNotAppear", .country = "US", .zipCode = "00044",
                          .phoneNumber = "555-0100", .emailId = "ada@example.com", .participantId = participantId,
                          .guestKuid = "kuid-1", .phoneNumberType = "MOBILE"});
 }
@@ -28,8 +28,8 @@ TEST(RenewableGuestDescription, SixteenLabelledLinesWithoutTheState) {
   const std::string text = guest("Ada", "p1").debugDescription();
   EXPECT_EQ(text,
             "isMe: true \n AvtarID: av-1 \n First Name: Ada \n Last Name: Lovelace \n Full Name: Ada Lovelace"
-            " \n PassName: Gold Pass \n date of birth: 1990-02-03 \n street Address: 1 Main St\nApt 2"
-            " \n city: Springfield \n Country: US \n ZipCode: 12345 \n phone Number: 555-0100"
+            " \n PassName: Gold Pass \n date of birth: 1990-02-03 \n street Address: 1 Quill Row\nApt 2"
+            " \n city: Marrowby \n Country: US \n ZipCode: 00044 \n phone Number: 555-0100"
             " \n emailId: ada@example.com \n participant Id: p1 \n guest Kuid: kuid-1 \n phoneNumber Type: MOBILE");
   EXPECT_EQ(text.find("StateThatMustNotAppear"), std::string::npos);
   EXPECT_EQ(RenewableGuest().debugDescription().rfind("isMe: false", 0), 0u);

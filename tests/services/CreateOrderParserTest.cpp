@@ -28,8 +28,8 @@ TEST_F(CreateOrderParserTest, SampleAnswerBecomesTheWholeOrder) {
   EXPECT_EQ(order.guests.at(0).toJson(),
             (Json{{"isMe", false}, {"avatarID", "avatar-castle-07"}, {"guestFirstName", "Mira"},
                   {"guestLastName", "Okafor"}, {"guestFullName", "Mira Okafor"}, {"guestPassName", "Sunset Premier Pass"},
-                  {"dob", "1986-04-19"}, {"streetAddress", "410 Lantern Way\nUnit 3"}, {"city", "Cedar Falls"},
-                  {"state", "FL"}, {"country", "US"}, {"zipCode", "32830"}, {"phoneNumber", "4075550142"},
+                  {"dob", "1986-04-19"}, {"streetAddress", "410 Lantern Way\nUnit 3"}, {"city", "Hollowmere"},
+                  {"state", "QZ"}, {"country", "US"}, {"zipCode", "00043"}, {"phoneNumber", "5925550142"},
                   {"emailId", "mira.okafor@example.test"}, {"participantId", "guest-101"},
                   {"guestKuid", "{A1B2C3D4-0001}"}, {"phoneNumberType", "MOBILE"}}));
   EXPECT_EQ(order.termsAndConditionsPolicies.at(0).descriptions.at(1),

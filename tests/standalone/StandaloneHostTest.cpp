@@ -37,11 +37,11 @@ TEST_F(StandaloneHostTest, StringTableLooksUpTextsAndFallsBackToTheKey) {
 TEST_F(StandaloneHostTest, TerminalBannerShowsKindMessagePhoneAndRetry) {
   std::ostringstream out;
   auto banner = TerminalBannerFactory(out).serviceErrorBanner(Error{"varnel.error", 9, nullptr}, "Oops", "Call %@");
-  banner->setPhoneNumber("(407) 555-0142");
+  banner->setPhoneNumber("(592) 555-0142");
   banner->setRetryBlock([](std::shared_ptr<KTVRNotificationBanner>) {});
   banner->show();
   EXPECT_THAT(out.str(), AllOf(HasSubstr("Service problem: Oops"), HasSubstr("Call %@"),
-                                HasSubstr("Call (407) 555-0142"), HasSubstr("[Retry]")));
+                                HasSubstr("Call (592) 555-0142"), HasSubstr("[Retry]")));
   std::ostringstream quiet;
   TerminalBannerFactory(quiet).validationErrorBanner("", "Check the card")->show();
   EXPECT_THAT(quiet.str(), AllOf(HasSubstr("Check the card"), Not(HasSubstr("[Retry]")), Not(HasSubstr("Call "))));

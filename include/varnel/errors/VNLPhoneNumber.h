@@ -14,11 +14,11 @@ struct VNLPhoneNumber {
   std::string cleanString() const;
   /// The local number "nnn-nnnn" from the last seven digits.
   std::string phoneNumber() const;
-  /// The digits before the local number: "(407)" for an area code alone,
-  /// "1-(407)" with a country prefix. Fewer than seven digits in all is a
+  /// The digits before the local number: "(592)" for an area code alone,
+  /// "1-(592)" with a country prefix. Fewer than seven digits in all is a
   /// programming error and stops the process.
   std::string locationNumber() const;
-  /// locationNumber, a space, phoneNumber: "(407) 555-0142".
+  /// locationNumber, a space, phoneNumber: "(592) 555-0142".
   std::string formattedString() const;
 };
 

@@ -8,7 +8,7 @@
 namespace varnel {
 
 struct KTVRAddress {
-  /// A state, province or country: its display name and its code ("FL", "US").
+  /// A state, province or country: its display name and its code ("QZ", "US").
   struct Region {
     std::optional<std::string> name;
     std::optional<std::string> code;
