@@ -11,6 +11,9 @@
 namespace varnel {
 namespace {
 
+constexpr const char* kSource = "Classes/Errors/APNotificationBanner";
+constexpr const char* kShowFunction = "showNotificationBanner(error:context:retryBlock:)";
+
 constexpr std::string_view kTransactionalTitleKey = "com.varnel.checkout.transactionalError.title";
 constexpr std::string_view kServiceTitleKey = "com.varnel.checkout.serviceError.title";
 constexpr std::string_view kValidationTitleKey = "com.varnel.checkout.validationError.title";
@@ -24,7 +27,7 @@ KTVCResortChoice message(KTVCResortChoice resort) {
     case kResortChoiceAlternate: return resort;
     default:
       KTVCPrintUtility::debugPrint("Unknown Park used",
-                                   LogSite{"Classes/Errors/APNotificationBanner", "message(for:for:)", __LINE__});
+                                   LogSite{kSource, "message(for:for:)", __LINE__});
       return resort;
   }
 }
@@ -37,12 +40,14 @@ bool offersRetry(APError error) { return error != APError::ServiceErrorNoRetry; 
 void APNotificationBanner::showNotificationBanner(APError error, const std::shared_ptr<KTVCParkResortContext>& context,
                                                   KTVRRetryBlock retryBlock) {
   if (!context) {
-    KTVCPrintUtility::debugPrint("KTVCParkResortContext must be supplied!");
+    KTVCPrintUtility::debugPrint("KTVCParkResortContext must be supplied!",
+                                 LogSite{kSource, kShowFunction, __LINE__});
     return;
   }
   const auto factory = host::Registry::get<KTVRNotificationBannerFactory>();
   if (!factory) {
-    KTVCPrintUtility::debugPrint("No notification banner factory registered");
+    KTVCPrintUtility::debugPrint("No notification banner factory registered",
+                                 LogSite{kSource, kShowFunction, __LINE__});
     return;
   }
 

@@ -56,6 +56,35 @@ TEST_F(ErrorMappingTest, BodiesOfBothServiceFamilies) {
   }
 }
 
+TEST_F(ErrorMappingTest, NamesAndResidencyCodesAreWhatTheServicesSendBack) {
+  // The description is the case's name, which the host shows and logs; the
+  // first service names are the booking service's own codes.
+  const std::string_view names[] = {
+      "ConnectionError", "SYSTEM_UNAVAILABLE", "UNEXPECTED_ERROR", "SYSTEM_ERROR", "INTERNAL_SERVICE_ERROR",
+      "COMMUNICATION_ERROR", "PAYMENT_DECLINED", "PAYMENT_AUTHORIZER_OFFLINE", "PAYMENT_BAD_EXPIRATION_DATE",
+      "GeneralBookingServiceError", "ServiceErrorNoRetry", "GeneralEVASServiceError", "MissingPaymentMethod",
+      "MissingCVV", "MissingPhoneNumber", "NoTermsAndConditions", "MissingCVVAndTermsAndConditions",
+      "MissingCCAndTermsAndConditions", "NoElectronicSignatureTandC", "ContractNotSigned", "NonFLResident",
+      "NonSCAResident", "NonCAResident", "GeneralTransactionalError", "PaymentLostConnection"};
+  ASSERT_EQ(std::size(names), static_cast<std::size_t>(kAPErrorCaseCount));
+  int withCode = 0;
+  for (int value = 0; value < kAPErrorCaseCount; ++value) {
+    const APError error = *apErrorFromRawValue(value);
+    EXPECT_EQ(description(error), names[value]) << value;
+    if (value >= 1 && value <= 3) {
+      const std::string body = R"({"errors":[{"typeId":")" + std::string(names[value]) + R"("}]})";
+      EXPECT_EQ(APBookingServiceError(withBody(body)), error) << body;
+    }
+    // A residency code maps back to the case that carries it.
+    if (const auto code = errorCode(error)) {
+      ++withCode;
+      const std::string body = R"({"errors":[{"typeId":"OTHER","systemErrorCode":")" + *code + R"("}]})";
+      EXPECT_EQ(APBookingServiceError(withBody(body)), error) << body;
+    }
+  }
+  EXPECT_EQ(withCode, 3);
+}
+
 TEST_F(ErrorMappingTest, ConnectionFailuresAndMissingBodies) {
   EXPECT_EQ(APBookingServiceError(withBody(R"({"errors":[{"typeId":"SYSTEM_ERROR"}]})", true)), E::ConnectionError);
   EXPECT_EQ(APBookingServiceError(Error{"test", 1, Json()}), std::nullopt);

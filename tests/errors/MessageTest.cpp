@@ -46,17 +46,36 @@ TEST_F(MessageTest, MessagesCarryTheResortsNumberAndTheTableOnlyThePlaceholdersC
   EXPECT_TRUE(table.contains("com.varnel.changeYourPass.noBlockOutThroughOutYear"));
   // The pass descriptions' text is the only non-message text with an argument.
   std::set<std::string> withArgument{"com.varnel.changeYourPass.admissionDaysThroughOutYear"};
+  // What the guest must fix before anything is sent needs no help number: these
+  // texts are finished sentences at every resort, with or without a number.
+  const std::set<APError> withoutNumber{
+      APError::MissingPaymentMethod,           APError::MissingCVV,
+      APError::MissingPhoneNumber,             APError::NoTermsAndConditions,
+      APError::MissingCVVAndTermsAndConditions, APError::MissingCCAndTermsAndConditions,
+      APError::NoElectronicSignatureTandC,     APError::ContractNotSigned};
   EXPECT_NE(number(kWest), number(kEast));
   for (int value = 0; value < kAPErrorCaseCount; ++value) {
     const APError error = *apErrorFromRawValue(value);
-    for (KTVCResortChoice park : {kWest, kEast}) {
-      withArgument.insert(APErrorMessage::localizationKey(error, park));
+    const bool needsNumber = !withoutNumber.contains(error);
+    for (KTVCResortChoice park : {kWest, kEast, kResortChoiceAlternate}) {
+      SCOPED_TRACE(::testing::Message() << value << " at " << park);
+      const std::string key = APErrorMessage::localizationKey(error, park);
+      if (needsNumber) withArgument.insert(key);
       const std::string text = APErrorMessage::message(error, park);
       const bool shown = !(error == APError::ConnectionError || (error == APError::NonFLResident && park != kEast) ||
                            ((error == APError::NonSCAResident || error == APError::NonCAResident) && park != kWest));
-      EXPECT_EQ(text.empty(), !shown) << value << " at " << park;
-      EXPECT_TRUE(!shown || text.find(number(park)) != std::string::npos) << text;
+      EXPECT_EQ(text.empty(), !shown) << text;
+      if (!shown) continue;
+      if (park != kResortChoiceAlternate) {
+        EXPECT_EQ(text.find(number(park)) != std::string::npos, needsNumber) << text;
+      }
+      if (needsNumber && park == kResortChoiceAlternate) continue;  // see the unformatted text below
       EXPECT_EQ(text.find('%'), std::string::npos) << text;
+      if (!needsNumber) {
+        EXPECT_TRUE(text.ends_with('.')) << text;
+        EXPECT_TRUE(text.find(" call") == std::string::npos && text.find("Call") == std::string::npos) << text;
+        EXPECT_EQ(text, table.value(key, "")) << "used as it stands";
+      }
     }
   }
   withArgument.erase("");
@@ -107,14 +126,16 @@ TEST_F(MessageTest, BannerKindRetryPhoneAndContext) {
   APNotificationBanner::showNotificationBanner(APError::SYSTEM_ERROR, nullptr);
   EXPECT_EQ(banners->made.size(), 1u);  // only the loop's last banner
   EXPECT_EQ(log->count("KTVCParkResortContext must be supplied!"), 1u);
+  EXPECT_EQ(log->lines().back().site.file, "Classes/Errors/APNotificationBanner");
+  EXPECT_EQ(log->lines().back().site.function, "showNotificationBanner(error:context:retryBlock:)");
   EXPECT_FALSE(show(APError::SYSTEM_ERROR, kResortChoiceAlternate).phoneNumber());
 }
 
 TEST(VNLPhoneNumberDeathTest, FormatsTheAsciiDigitsAndHaltsBelowSeven) {
   const std::pair<const char*, const char*> rows[] = {
-      {"407.555.0142", "(407) 555-0142"},          {"1-407-555-0142", "1-(407) 555-0142"},
-      {"+44 (020) 555-0142", "44-(020) 555-0142"}, {"5550142", "() 555-0142"},
-      {"75550142", "(7) 555-0142"},                {"\xd9\xa1" "4075550142", "(407) 555-0142"},
+      {"592.555.0142", "(592) 555-0142"},          {"1-592-555-0142", "1-(592) 555-0142"},
+      {"+44 (099) 555-0142", "44-(099) 555-0142"}, {"5550142", "() 555-0142"},
+      {"75550142", "(7) 555-0142"},                {"\xd9\xa1" "5925550142", "(592) 555-0142"},
   };
   for (const auto& [text, expected] : rows) EXPECT_EQ(VNLPhoneNumber(text).formattedString(), expected);
   EXPECT_EQ(VNLPhoneNumber("12345").phoneNumber(), "123-2345");  // the two parts overlap
