@@ -67,6 +67,7 @@ VNLEntitlementParkTicket::upgradeOptionsForAffiliation(const ENTMAffiliation& af
 Json VNLEntitlementParkTicket::toJson() const {
   Json json = VNLEntitlement::toJson();
   json["productType"] = rawValue(productType_);
+  json["priceMonthly"] = entitlementjson::number(priceMonthly_);
   Json affiliations = Json::array();
   for (const ENTMAffiliation& affiliation : affiliations_) {
     affiliations.push_back({{"affiliationId", affiliation.affiliationId}, {"sortOrder", affiliation.sortOrder}});

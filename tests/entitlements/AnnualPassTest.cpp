@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "EntitlementTestSupport.h"
+#include "varnel/entitlements/PassHolder.h"
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 
 namespace varnel {
@@ -82,13 +83,13 @@ TEST_F(AnnualPass, JsonInitialiserReadsTypeDatesAndAddressButNeverRenewableOrThe
   const auto pass = VNLEntitlementAnnualPass::initWithJsonData(R"({
       "productTypeId": "sapphire-annual-pass", "renewable": true,
       "startDateTime": "2025-03-01T10:00:00.000-0500", "endDateTime": "2026-02-28T10:00:00.000-0500",
-      "assignedGuest": {"address": {"addressLine1": "1 Main St", "stateProvince": "FL", "country": "US",
-                                    "postalCode": 32830, "city": "Bay Lake"}}})"_json);
+      "assignedGuest": {"address": {"addressLine1": "1 Quill Row", "stateProvince": "QZ", "country": "US",
+                                    "postalCode": 42, "city": "Wrenfield"}}})"_json);
   testing::expectFields(pass->toJson(), R"({
       "productTypeID": "sapphire-annual-pass", "isRenewable": false, "numberOfDays": 0,
       "startDate": "2025-03-01T15:00:00Z", "passValidityStartDate": "2025-03-01T15:00:00Z",
       "endDate": "2026-02-28T15:00:00Z", "passExpirationDate": "2026-02-28T15:00:00Z",
-      "address": "1 Main St", "stateProvince": "FL", "country": "US", "postalCode": "", "city": "Bay Lake"})"_json);
+      "address": "1 Quill Row", "stateProvince": "QZ", "country": "US", "postalCode": "", "city": "Wrenfield"})"_json);
 
   const Json unusable[] = {
       R"({"productTypeId": 12, "startDateTime": "garbage", "endDateTime": "", "assignedGuest": {"address": "x"}})"_json,
@@ -97,6 +98,32 @@ TEST_F(AnnualPass, JsonInitialiserReadsTypeDatesAndAddressButNeverRenewableOrThe
     EXPECT_EQ(VNLEntitlementAnnualPass::initWithJsonData(json)->toJson(), VNLEntitlementAnnualPass().toJson())
         << json.dump();
   }
+}
+
+TEST_F(AnnualPass, IsMeComparesTheHolderWithTheSignedInGuestAndNeedsOne) {
+  VNLEntitlementAnnualPass pass;
+  pass.setProfileId("guest-kuid");
+  EXPECT_TRUE(pass.isMe());
+  manager->signedInKuid = "someone-else";
+  EXPECT_FALSE(pass.isMe());
+  manager->signedInKuid.reset();
+  EXPECT_DEATH((void)pass.isMe(), "no signed-in guest");
+  host::Registry::set<ENTMEntitlementsManager>(nullptr);
+  EXPECT_DEATH((void)pass.isMe(), "no entitlements manager");
+}
+
+TEST(PassHolderTest, ResetGoesBackToThePreselectedPass) {
+  const auto ticket = std::make_shared<VNLEntitlementParkTicket>();
+  const auto preselected = std::make_shared<VNLEntitlementAnnualPass>();
+  const auto other = std::make_shared<VNLEntitlementAnnualPass>();
+  PassHolder holder(ticket, preselected);
+  EXPECT_EQ(holder.passToPurchase(), preselected);
+  holder.setPassToPurchase(other);
+  holder.reset();
+  EXPECT_EQ(holder.passToPurchase(), preselected);
+  EXPECT_EQ(holder.preSelectedPass(), preselected);
+  EXPECT_EQ(holder.ticketToUpgrade(), ticket);
+  EXPECT_EQ(PassHolder(other).ticketToUpgrade(), nullptr);
 }
 
 }  // namespace

@@ -45,7 +45,9 @@ TEST_F(EntitlementFetcherTest, FetchAsksForAnnualPassesOnceAndConvertsTheAnswerI
   fetcher->fetchAnnualPassRenewals();
   ASSERT_EQ(manager->listeners.size(), 1u);
   EXPECT_EQ(manager->listeners.front().lock(), fetcher);
-  EXPECT_EQ(manager->requests.size(), 1u);
+  ASSERT_EQ(manager->requests.size(), 1u);
+  EXPECT_EQ(static_cast<int>(manager->requests.front().first), 8) << "the manager's annual-pass filter";
+  EXPECT_FALSE(manager->requests.front().second);
 
   answerEntitlements({ref(withId("AP-1", "AnnualPass")), ref(withId("TK-2", "ThemePark")), ref(withId("X-3"))});
   EXPECT_TRUE(manager->listeners.empty()) << "one-shot: unregistered on the answer";

@@ -32,14 +32,14 @@ class ParkTicket : public EntitlementFixture {};
 
 TEST_F(ParkTicket, UpgradeOptionsAreAnnualPassesForTheTicketsOwnAffiliations) {
   const auto ticket = std::dynamic_pointer_cast<VNLEntitlementParkTicket>(toVNLEntitlement(entry(R"({
-      "productInstanceId": "TK-1", "categoryId": "ThemePark", "totalPrice": 129, "state": "FL",
+      "productInstanceId": "TK-1", "categoryId": "ThemePark", "totalPrice": 129, "state": "QZ",
       "affiliationInfo": [{"affiliationId": "STD_GST", "sortOrder": 5}, {"affiliationId": "FL_RES", "sortOrder": 1}],
       "apUpgradeOptions": {"STD_GST": [{"productInstanceId": "UP-1", "categoryId": "ThemePark"},
                                        {"productInstanceId": "UP-2"}],
                            "DVC": [{"productInstanceId": "UP-3", "categoryId": "AnnualPass"}]}})")));
   ASSERT_NE(ticket, nullptr);
   EXPECT_EQ(ticket->annualPayment(), 129.0f);
-  EXPECT_EQ(ticket->stateProvince(), "FL");
+  EXPECT_EQ(ticket->stateProvince(), "QZ");
   EXPECT_EQ(ticket->affiliations(), (Affiliations{kAllGuests, kResident}));
 
   const auto options = ticket->upgradeOptionsForAffiliation(kAllGuests);
@@ -48,8 +48,10 @@ TEST_F(ParkTicket, UpgradeOptionsAreAnnualPassesForTheTicketsOwnAffiliations) {
   EXPECT_EQ(typeid(*options->front()), typeid(VNLEntitlementAnnualPass));
   EXPECT_FALSE(ticket->upgradeOptionsForAffiliation(kMember)) << "not an affiliation of the ticket";
   EXPECT_FALSE(ticket->upgradeOptionsForAffiliation(kResident)) << "an affiliation without options";
+  ticket->setPriceMonthly(52.5f);
   Json json = ticket->toJson();
   EXPECT_EQ(json["annualPassesUpgradeOptions"]["STD_GST"][1]["productInstanceID"], "UP-2");
+  EXPECT_EQ(json["priceMonthly"], 52.5);
 }
 
 TEST_F(ParkTicket, EligibleAffiliationsPutAllGuestsFirstThenMatchesInOrderOfRank) {
@@ -67,10 +69,11 @@ TEST_F(ParkTicket, EligibleAffiliationsPutAllGuestsFirstThenMatchesInOrderOfRank
 
 TEST_F(ParkTicket, TicketsFromJsonTakeOnlyValuesOfTheRightKind) {
   expectFields(VNLEntitlementParkTicket::initWithJsonData(R"({"totalPrice": 129.5, "tax": "6.5", "currency": "USD",
-      "monthlyPaymentEligible": true, "discount": "10%", "assignedGuest": {"address": {"city": "Orlando"}}})"_json)
+      "monthlyPaymentEligible": true, "discount": "10%", "assignedGuest": {"address": {"city": "Wrenfield"}},
+      "priceMonthly": 9})"_json)
                    ->toJson(),
                R"({"totalPrice": 129.5, "annualPayment": 129.5, "tax": 0, "isMonthlyPaymentEligible": true,
-                   "savingPercentage": "10%", "city": "Orlando", "productType": 2})"_json);
+                   "savingPercentage": "10%", "city": "Wrenfield", "productType": 2, "priceMonthly": 0})"_json);
   expectFields(VNLEntitlementTheaterTicket::initWithJsonData({{"totalPrice", "80"}, {"currency", "CAD"}})->toJson(),
                R"({"totalPrice": 0, "currency": "CAD", "productType": 3})"_json);
 }

@@ -40,6 +40,10 @@ class VNLEntitlementParkTicket : public VNLEntitlement,
   /// The affiliations the ticket's guest has (the manager's affiliationInfo).
   const std::vector<ENTMAffiliation>& affiliations() const { return affiliations_; }
   void setAffiliations(std::vector<ENTMAffiliation> value) { affiliations_ = std::move(value); }
+  /// A monthly price the ticket declares besides pricePerMonth, as the annual
+  /// pass does; no copy operation fills it.
+  float priceMonthly() const { return priceMonthly_; }
+  void setPriceMonthly(float value) { priceMonthly_ = value; }
 
   // --- Payment and location: StoredPaymentFields, StoredLocationFields ---
   using StoredPaymentFields::pricePerMonth;
@@ -66,7 +70,7 @@ class VNLEntitlementParkTicket : public VNLEntitlement,
       const ENTMAffiliation& affiliation) const;
 
   /// The base JSON with the payment, location and upgrade fields, plus
-  /// productType (raw value) and affiliations ([{affiliationId, sortOrder}]).
+  /// productType (raw value), priceMonthly and affiliations ([{affiliationId, sortOrder}]).
   Json toJson() const override;
 
  protected:
@@ -77,6 +81,7 @@ class VNLEntitlementParkTicket : public VNLEntitlement,
  private:
   Type productType_ = Type::parkTicket;
   std::vector<ENTMAffiliation> affiliations_;
+  float priceMonthly_ = 0;
   VNLAnnualPassUpgradeOptions annualPassesUpgradeOptions_;
 
 };
