@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <limits>
+#include <map>
+#include <optional>
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>
@@ -152,6 +155,98 @@ TEST_F(SqliteUserDefaultsTest, TwoProcessesWritingAtOnceLoseNothing) {
   for (int i = 0; i < kWrites; ++i) {
     EXPECT_EQ(store->objectForKey("left" + std::to_string(i)), DefaultsValue(i));
     EXPECT_EQ(store->objectForKey("right" + std::to_string(i)), DefaultsValue(i));
+  }
+}
+
+TEST_F(SqliteUserDefaultsTest, AWriteRefusedWhileAnotherProcessHoldsTheStoreIsKeptAndRetried) {
+  ASSERT_TRUE(openStore());
+  int locked[2], release[2];
+  ASSERT_EQ(pipe(locked), 0);
+  ASSERT_EQ(pipe(release), 0);
+  const pid_t holder = spawn([&] {
+    sqlite3* database = nullptr;
+    if (sqlite3_open(path.c_str(), &database) != SQLITE_OK) return 4;
+    const bool held = sqlite3_exec(database, "BEGIN IMMEDIATE; INSERT INTO defaults (key, value) VALUES "
+                                             "('fromTheOtherProcess', '1')", nullptr, nullptr, nullptr) == SQLITE_OK;
+    char go;
+    if (!held || write(locked[1], "\n", 1) != 1 || read(release[0], &go, 1) != 1) return 5;
+    const bool committed = sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(database);
+    return committed ? 0 : 6;
+  });
+  close(locked[1]);
+  close(release[0]);
+  char line;
+  ASSERT_EQ(read(locked[0], &line, 1), 1) << "the other process could not lock the store";
+  {
+    // A writer that does not wait for the lock keeps what it could not write.
+    auto opened = SqliteUserDefaults::open(path, std::chrono::milliseconds(0));
+    ASSERT_TRUE(opened.ok());
+    auto& store = *opened.value();
+    store.setInteger("counter", 7);
+    store.removeObjectForKey("fromTheOtherProcess");
+    EXPECT_EQ(store.objectForKey("counter"), DefaultsValue(7)) << "reads see the kept write";
+    EXPECT_FALSE(store.synchronize()) << "still locked";
+    ASSERT_EQ(write(release[1], "\n", 1), 1);
+    EXPECT_EQ(waitFor(holder), 0);
+    EXPECT_TRUE(store.synchronize()) << "retried once the lock was released";
+  }
+  close(locked[0]);
+  close(release[1]);
+  auto reopened = openStore();
+  ASSERT_TRUE(reopened);
+  EXPECT_EQ(reopened->dictionaryRepresentation(), (DefaultsDictionary{{"counter", DefaultsValue(7)}}))
+      << "the kept removal came after the other process's write";
+}
+
+/// Sets or unsets environment variables for the lifetime of the object.
+class Environment {
+ public:
+  void set(const char* name, const std::optional<std::string>& value) {
+    if (!saved_.contains(name)) {
+      const char* previous = std::getenv(name);
+      saved_.emplace(name, previous ? std::optional<std::string>(previous) : std::nullopt);
+    }
+    value ? setenv(name, value->c_str(), 1) : unsetenv(name);
+  }
+  ~Environment() {
+    for (const auto& [name, value] : saved_) value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+  }
+
+ private:
+  std::map<std::string, std::optional<std::string>> saved_;
+};
+
+TEST(SqliteUserDefaultsPath, TheToolOptionThenTheEnvironmentThenThePerUserDefault) {
+  using Value = std::optional<std::string>;
+  struct Row {
+    Value option, variable, configurationHome, home;
+    Value expected;  // none: no place for the store
+  };
+  const Row rows[] = {
+      {"/opt/given.sqlite3", "/env/defaults.sqlite3", "/xdg", "/home/ada", "/opt/given.sqlite3"},
+      {"", "/env/defaults.sqlite3", "/xdg", "/home/ada", "/env/defaults.sqlite3"},
+      {{}, "", "/xdg", "/home/ada", "/xdg/varnel/defaults.sqlite3"},
+      {{}, {}, "relative/xdg", "/home/ada", "/home/ada/.config/varnel/defaults.sqlite3"},
+      {{}, {}, {}, "/home/ada", "/home/ada/.config/varnel/defaults.sqlite3"},
+      {{}, {}, "/xdg", {}, "/xdg/varnel/defaults.sqlite3"},
+      {{}, {}, {}, {}, {}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.expected.value_or("no place"));
+    Environment environment;
+    environment.set(kDefaultsPathEnvironmentVariable, row.variable);
+    environment.set("XDG_CONFIG_HOME", row.configurationHome);
+    environment.set("HOME", row.home);
+    const auto resolved = SqliteUserDefaults::resolvePath(row.option ? std::optional<fs::path>(*row.option)
+                                                                     : std::nullopt);
+    ASSERT_EQ(resolved.ok(), row.expected.has_value());
+    if (row.expected) {
+      EXPECT_EQ(resolved.value(), fs::path(*row.expected));
+    } else {
+      EXPECT_THAT(jsonString(resolved.error().userInfo, "message"),
+                  Pointee(HasSubstr(kDefaultsPathEnvironmentVariable)));
+    }
   }
 }
 
