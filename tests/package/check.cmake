@@ -26,6 +26,15 @@ if(NOT last_output MATCHES "Welcome back")
   message(FATAL_ERROR "fakes_consumer printed: ${last_output}")
 endif()
 
+# The quickstart an integrator copies builds and runs against the package.
+run(${CMAKE_COMMAND} -S "${SOURCE_DIR}/examples/quickstart" -B "${WORK_DIR}/quickstart" -G Ninja
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${CXX_FLAGS}")
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/quickstart")
+run("${WORK_DIR}/quickstart/quickstart" "${prefix}/share/varnel/guests/sample-guest.json")
+if(NOT last_output MATCHES "[1-9][0-9]* renewable pass\\(es\\)\n.*AP-100201")
+  message(FATAL_ERROR "quickstart printed: ${last_output}")
+endif()
+
 set(ENV{PKG_CONFIG_PATH} "${prefix}/lib/pkgconfig")
 run(pkg-config --cflags --libs varnel)
 if(NOT last_output MATCHES "-lvarnel_platform")
