@@ -1,5 +1,6 @@
 #pragma once
-// The entitlements manager, fixture and builders shared by the entitlement tests.
+// The fixture and builders shared by the entitlement tests, over the scripted
+// entitlements manager of Varnel::testing.
 
 #include <functional>
 #include <memory>
@@ -11,44 +12,10 @@
 #include "support/Fakes.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
 #include "varnel/host/Registry.h"
+#include "varnel/testing/ScriptedEntitlementsManager.h"
 #include "varnel/standalone/GuestDataFile.h"
 
 namespace varnel::testing {
-
-/// Records what it is asked, holds its listeners weakly like a real manager,
-/// and answers only when the test says so, on the test's thread.
-class ScriptedEntitlementsManager final : public ENTMEntitlementsManager {
- public:
-  void configureWithParkResortContext(std::shared_ptr<KTVCParkResortContext>) override {}
-  std::optional<std::string> kuid() const override { return signedInKuid; }
-  std::optional<ENTMUserProfile> userProfile() const override { return profile; }
-  void registerEntitlementListener(std::weak_ptr<ENTMEntitlementsListener> listener) override {
-    removeEntitlementListener(listener.lock().get());
-    listeners.push_back(std::move(listener));
-  }
-  void removeEntitlementListener(const ENTMEntitlementsListener* listener) override {
-    std::erase_if(listeners, [listener](const auto& entry) { return entry.lock().get() == listener; });
-  }
-  void beginUpdateEntitlementsOfFilterType(ENTMEntitlementFilterType filter, const std::optional<Json>& info) override {
-    requests.push_back({filter, info});
-  }
-  void retrieveAffiliationsFromUserInfo(const std::optional<Json>&) override { ++affiliationRequests; }
-  std::optional<ENTMAnyList> persistedEntitlementsOfType(ENTMEntitlementType) const override { return persisted; }
-
-  /// Answers every registered listener, as after a download.
-  void answer(const std::function<void(ENTMEntitlementsListener&)>& call) {
-    for (const auto& entry : std::vector(listeners)) {
-      if (auto listener = entry.lock()) call(*listener);
-    }
-  }
-
-  std::optional<std::string> signedInKuid = "guest-kuid";
-  std::optional<ENTMUserProfile> profile;
-  std::optional<ENTMAnyList> persisted;
-  std::vector<std::weak_ptr<ENTMEntitlementsListener>> listeners;
-  int affiliationRequests = 0;
-  std::vector<std::pair<ENTMEntitlementFilterType, std::optional<Json>>> requests;
-};
 
 class EntitlementFixture : public HostFixture {
  protected:

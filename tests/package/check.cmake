@@ -22,7 +22,7 @@ if(NOT last_output MATCHES "1970-01-01 00:00:01 \\+0000")
 endif()
 
 run("${WORK_DIR}/consumer/fakes_consumer")
-if(NOT last_output MATCHES "Welcome back")
+if(NOT last_output MATCHES "Welcome back, guest-1")
   message(FATAL_ERROR "fakes_consumer printed: ${last_output}")
 endif()
 
