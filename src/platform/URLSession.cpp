@@ -18,3 +18,31 @@ std::optional<std::string> URLRequest::valueForHTTPHeaderField(std::string_view 
 }
 
 }  // namespace varnel
+
+namespace varnel {
+namespace {
+
+bool isShownHeader(std::string_view name) {
+  static const HTTPHeaderFields::key_compare less;
+  for (const std::string_view shown : {"Content-Type", "Content-Length", "Date", "Server", "Cache-Control"}) {
+    if (!less(name, shown) && !less(shown, name)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string describe(const URLResponse& response) {
+  std::string text = "<URLResponse> { URL: " + response.url + " }";
+  if (response.statusCode) text += " { Status Code: " + std::to_string(*response.statusCode) + ",";
+  text += " Headers {";
+  for (auto it = response.allHeaderFields.begin(); it != response.allHeaderFields.end(); ++it) {
+    text += it == response.allHeaderFields.begin() ? " " : ", ";
+    text += "\"" + it->first + "\": \"" + (isShownHeader(it->first) ? it->second : std::string("REDACTED")) + "\"";
+  }
+  text += " }";
+  if (response.statusCode) text += " }";
+  return text;
+}
+
+}  // namespace varnel

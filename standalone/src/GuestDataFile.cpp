@@ -341,6 +341,14 @@ Result<GuestData> parseGuestData(std::string_view text, const std::string& origi
   }
 }
 
+Result<std::vector<ENTMEntitlementRef>> parseEntitlementList(const Json& list, const std::string& origin) {
+  try {
+    return readEntitlementList(list, origin, 0);
+  } catch (const std::exception& failure) {
+    return guestDataError(GuestDataErrorCode::malformed, origin, failure.what());
+  }
+}
+
 Result<GuestData> readGuestDataFile(const std::filesystem::path& file) {
   std::error_code status;
   if (std::filesystem::is_directory(file, status)) {

@@ -45,9 +45,13 @@ struct URLResponse {
   bool isHTTPResponse() const { return statusCode.has_value(); }
 };
 
-/// One transfer. Nothing is sent before resume(); cancel() ends it and its
-/// completion then reports a cancelled transfer (or nothing, when the session
-/// itself is gone).
+/// The printed form of a response, for log lines: its URL, status code and
+/// header names. Only the values of a few harmless headers are shown, the
+/// rest print as "REDACTED" (cookies and tokens never reach a log).
+std::string describe(const URLResponse& response);
+
+/// One transfer. Nothing is sent before resume(); after cancel() its
+/// completion never runs.
 class URLSessionDataTask {
  public:
   virtual ~URLSessionDataTask() = default;

@@ -97,6 +97,11 @@ Result<GuestData> parseGuestData(std::string_view text, const std::string& origi
 /// Reads and parses a guest data file.
 Result<GuestData> readGuestDataFile(const std::filesystem::path& file);
 
+/// Reads a JSON list of entitlement objects (the "entitlements" of a guest
+/// data file). `origin` names the list in errors.
+Result<std::vector<ENTMEntitlementRef>> parseEntitlementList(const Json& list,
+                                                             const std::string& origin = "entitlements");
+
 /// One readable line for an error of this domain ("cannot read x: reason");
 /// other errors print their domain and code.
 std::string describeGuestDataError(const Error& error);
