@@ -221,6 +221,13 @@ Result<fs::path> SqliteUserDefaults::resolvePath(const std::optional<fs::path>& 
   return defaultPath();
 }
 
+Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::openResolved(
+    const std::optional<fs::path>& explicitPath) {
+  auto path = resolvePath(explicitPath);
+  if (!path) return path.error();
+  return open(path.value());
+}
+
 SqliteUserDefaults::SqliteUserDefaults(sqlite3* database, fs::path path)
     : database_(database), path_(std::move(path)) {}
 

@@ -3,7 +3,7 @@
 //
 //   varnel settings [--defaults PATH] list [--json]
 //   varnel settings [--defaults PATH] get KEY [--json]
-//   varnel settings [--defaults PATH] set KEY VALUE [--type bool|int|double|string]
+//   varnel settings [--defaults PATH] set KEY VALUE [--type bool|int|double|string|json]
 //   varnel settings [--defaults PATH] unset KEY
 //   varnel settings [--defaults PATH] preset NAME
 //   varnel settings [--defaults PATH] current [--json]
@@ -16,7 +16,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -50,9 +52,7 @@ std::string errorMessage(const Error& error) {
 std::shared_ptr<SqliteUserDefaults> openStore(const SettingsOptions& options) {
   std::optional<std::filesystem::path> chosen;
   if (!options.defaultsPath.empty()) chosen = options.defaultsPath;
-  auto path = SqliteUserDefaults::resolvePath(chosen);
-  if (!path) throw UsageError(errorMessage(path.error()));
-  auto store = SqliteUserDefaults::open(path.value());
+  auto store = SqliteUserDefaults::openResolved(chosen);
   if (!store) throw UsageError(errorMessage(store.error()));
   host::Registry::set<UserDefaults>(store.value());
   return store.value();
@@ -72,6 +72,51 @@ std::string validConfigurationNames() {
     names += (names.empty() ? "" : ", ") + std::string(rawValue(configuration));
   }
   return names;
+}
+
+/// A plain JSON value as a stored value: objects become dictionaries, arrays
+/// arrays (null only as an absent element of one), numbers integers or
+/// doubles. False for what the store cannot hold.
+bool fromPlainJson(const Json& json, DefaultsValue& out, bool insideArray) {
+  switch (json.type()) {
+    case Json::value_t::object: {
+      DefaultsDictionary dictionary;
+      for (const auto& [key, member] : json.items()) {
+        if (!fromPlainJson(member, dictionary[key], false)) return false;
+      }
+      out = DefaultsValue(std::move(dictionary));
+      return true;
+    }
+    case Json::value_t::array: {
+      DefaultsArray array(json.size());
+      for (std::size_t i = 0; i < json.size(); ++i) {
+        if (!fromPlainJson(json[i], array[i], true)) return false;
+      }
+      out = DefaultsValue(std::move(array));
+      return true;
+    }
+    case Json::value_t::boolean: out = DefaultsValue(json.get<bool>()); return true;
+    case Json::value_t::number_integer: out = DefaultsValue(json.get<std::int64_t>()); return true;
+    case Json::value_t::number_unsigned:
+      if (json.get<std::uint64_t>() > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return false;
+      out = DefaultsValue(static_cast<std::int64_t>(json.get<std::uint64_t>()));
+      return true;
+    case Json::value_t::number_float: out = DefaultsValue(json.get<double>()); return true;
+    case Json::value_t::string: out = DefaultsValue(json.get<std::string>()); return true;
+    case Json::value_t::null: out = DefaultsValue(); return insideArray;
+    default: return false;
+  }
+}
+
+DefaultsValue parseJsonValue(const std::string& text) {
+  const Json json = Json::parse(text, nullptr, /*allow_exceptions=*/false);
+  if (json.is_discarded()) throw UsageError("\"" + text + "\" is not valid JSON");
+  if (!json.is_object() && !json.is_array()) throw UsageError("a json value is an object or an array");
+  DefaultsValue value;
+  if (!fromPlainJson(json, value, false)) {
+    throw UsageError("the settings store cannot hold \"" + text + "\" (null outside an array, or a number too large)");
+  }
+  return value;
 }
 
 DefaultsValue parseValue(const std::string& text, const std::string& type) {
@@ -94,6 +139,7 @@ DefaultsValue parseValue(const std::string& text, const std::string& type) {
     return DefaultsValue(number);
   }
   if (type == "string") return DefaultsValue(text);
+  if (type == "json") return parseJsonValue(text);
   // No type given: the words true and false are booleans, the rest is text.
   if (text == "true" || text == "false") return DefaultsValue(text == "true");
   return DefaultsValue(text);
@@ -191,8 +237,9 @@ void registerSettingsCommand(CLI::App& app) {
   setCommand->add_option("key", options->key, "User-defaults key")->required();
   setCommand->add_option("value", options->value, "The value (true/false are booleans unless --type says otherwise)")
       ->required();
-  setCommand->add_option("--type", options->type, "Kind of the value: bool, int, double or string")
-      ->check(CLI::IsMember({"bool", "int", "double", "string"}));
+  setCommand->add_option("--type", options->type,
+                         "Kind of the value: bool, int, double, string, or json (an object or array)")
+      ->check(CLI::IsMember({"bool", "int", "double", "string", "json"}));
 
   command("unset", "Remove the value under a key", &unset)
       ->add_option("key", options->key, "User-defaults key")

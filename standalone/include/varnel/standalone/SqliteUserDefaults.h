@@ -54,6 +54,11 @@ class SqliteUserDefaults final : public UserDefaults {
   /// `explicitPath` when given, else defaultPath().
   static Result<std::filesystem::path> resolvePath(const std::optional<std::filesystem::path>& explicitPath);
 
+  /// The store that the tools share: `explicitPath` when given, else
+  /// defaultPath(), opened.
+  static Result<std::shared_ptr<SqliteUserDefaults>> openResolved(
+      const std::optional<std::filesystem::path>& explicitPath);
+
   ~SqliteUserDefaults() override;
   SqliteUserDefaults(const SqliteUserDefaults&) = delete;
   SqliteUserDefaults& operator=(const SqliteUserDefaults&) = delete;
