@@ -7,6 +7,7 @@
 #include "ParserTestSupport.h"
 #include "varnel/services/VNLParseContractResponse.h"
 #include "varnel/services/VNLParseCreateOrderResponse.h"
+#include "varnel/services/VNLParsePaymentAccounts.h"
 #include "varnel/services/VNLParseUpdateSubmitResponse.h"
 
 namespace varnel {
@@ -30,6 +31,9 @@ TEST_F(FuzzCorpusReplayTest, EveryParserTakesEveryCorpusInput) {
     }
     const RenewalConfirmation confirmation = VNLParseUpdateSubmitResponse().parse(answer);
     const VNLContractDataModel contract = VNLParseContractResponse().parseContract(answer);
+    for (const PaymentAccount& account : VNLParsePaymentAccounts().parsePaymentAccounts(answer)) {
+      EXPECT_TRUE(account.creditCard().securityCode().has_value());
+    }
     for (const Json& record : {order.toJson(), confirmation.toJson(), contract.toJson()}) {
       EXPECT_FALSE(record.dump(-1, ' ', false, Json::error_handler_t::replace).empty());
     }
