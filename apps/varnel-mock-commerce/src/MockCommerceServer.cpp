@@ -1,0 +1,141 @@
+#include "varnel/mock/MockCommerceServer.h"
+
+#include <httplib.h>
+#include <pthread.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "CommerceService.h"
+#include "Connection.h"
+
+namespace varnel::mock {
+namespace {
+
+constexpr const char* kHost = "127.0.0.1";
+constexpr std::size_t kBodyLimit = 1 << 20;
+
+Call callOf(const httplib::Request& request) {
+  Call call;
+  call.method = request.method;
+  call.path = request.path;
+  call.body = request.body;
+  for (const auto& [name, value] : request.params) call.query.emplace_back(name, value);
+  for (const auto& [name, value] : request.headers) {
+    // The server adds these of its own; they were not sent.
+    if (name == "REMOTE_ADDR" || name == "REMOTE_PORT" || name == "LOCAL_ADDR" || name == "LOCAL_PORT") continue;
+    call.headers.emplace_back(name, value);
+  }
+  return call;
+}
+
+}  // namespace
+
+struct MockCommerceServer::Impl {
+  explicit Impl(MockCommerceOptions options) : log(options.requestLog), service(std::move(options)) {}
+
+  void serve(const httplib::Request& request, httplib::Response& response) {
+    Reply reply;
+    try {
+      reply = service.handle(callOf(request));
+    } catch (...) {
+      reply = jsonReply(500, bookingError("UNEXPECTED_ERROR", "The request could not be handled."));
+    }
+    ConnectionAddresses connection{request.local_addr, request.local_port, request.remote_addr, request.remote_port};
+    std::string outcome;
+    if (reply.cut == Cut::reset && resetConnection(connection)) {
+      outcome = "reset";
+    } else if (reply.cut == Cut::empty && closeConnection(connection)) {
+      outcome = "closed";
+    } else {
+      if (reply.cut != Cut::none) reply = jsonReply(500, bookingError("UNEXPECTED_ERROR", "The connection was not cut."));
+      response.status = reply.status;
+      if (!reply.body.empty()) response.set_content(reply.body, reply.contentType.c_str());
+      outcome = std::to_string(reply.status);
+    }
+    if (log) {
+      try {
+        log(request.method + " " + request.path + " " + outcome);
+      } catch (...) {
+      }
+    }
+  }
+
+  std::function<void(const std::string&)> log;
+  CommerceService service;
+  httplib::Server server;
+  std::thread thread;
+  int port = 0;
+};
+
+Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommerceOptions options, int port) {
+  try {
+    if (!options.guest.kuid || options.guest.kuid->empty()) {
+      return mockCommerceError(MockCommerceErrorCode::badOption, "the guest file has no signed-in guest (profile.kuid)");
+    }
+    if (!options.guest.accessToken || options.guest.accessToken->empty()) {
+      return mockCommerceError(MockCommerceErrorCode::badOption, "the guest file has no profile.accessToken");
+    }
+    if (port < 0 || port > 65535) return mockCommerceError(MockCommerceErrorCode::badOption, "the port must be 0 to 65535");
+    auto impl = std::make_unique<Impl>(std::move(options));
+    Impl* state = impl.get();
+    auto handler = [state](const httplib::Request& request, httplib::Response& response) { state->serve(request, response); };
+    impl->server.Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler).Patch(".*", handler);
+    impl->server.set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
+      response.status = 500;
+      response.set_content(bookingError("UNEXPECTED_ERROR", "The request could not be handled.").dump(), "application/json");
+    });
+    impl->server.set_payload_max_length(kBodyLimit);
+
+    impl->port = port == 0 ? impl->server.bind_to_any_port(kHost) : (impl->server.bind_to_port(kHost, port) ? port : -1);
+    if (impl->port <= 0) {
+      return mockCommerceError(MockCommerceErrorCode::cannotListen,
+                               "cannot listen on " + std::string(kHost) + ":" + std::to_string(port));
+    }
+    impl->service.setBaseUrl("http://" + std::string(kHost) + ":" + std::to_string(impl->port));
+    impl->thread = std::thread([state] {
+      // Writing the answer of a cut connection raises SIGPIPE; the server's
+      // threads (made by this one) inherit the blocked signal.
+      sigset_t pipe;
+      sigemptyset(&pipe);
+      sigaddset(&pipe, SIGPIPE);
+      pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
+      state->server.listen_after_bind();
+    });
+    // The socket already listens; wait for the accepting loop as well.
+    for (int i = 0; i < 5000 && !impl->server.is_running(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return std::unique_ptr<MockCommerceServer>(new MockCommerceServer(std::move(impl)));
+  } catch (const std::exception& error) {
+    return mockCommerceError(MockCommerceErrorCode::cannotListen, error.what());
+  }
+}
+
+MockCommerceServer::MockCommerceServer(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+
+MockCommerceServer::~MockCommerceServer() { stop(); }
+
+int MockCommerceServer::port() const { return impl_->port; }
+
+std::string MockCommerceServer::baseUrl() const { return "http://" + std::string(kHost) + ":" + std::to_string(impl_->port); }
+
+void MockCommerceServer::stop() {
+  try {
+    impl_->service.interruptDelays();
+    impl_->server.stop();
+    if (impl_->thread.joinable()) impl_->thread.join();
+  } catch (...) {
+  }
+}
+
+std::optional<Error> MockCommerceServer::setFault(const EndpointFault& fault) { return impl_->service.addFault(fault); }
+
+void MockCommerceServer::clearFaults() { impl_->service.clearFaults(); }
+
+Json MockCommerceServer::journal() const { return impl_->service.journal(); }
+
+void MockCommerceServer::clearJournal() { impl_->service.clearJournal(); }
+
+std::map<std::string, int> MockCommerceServer::charges() const { return impl_->service.charges(); }
+
+}  // namespace varnel::mock

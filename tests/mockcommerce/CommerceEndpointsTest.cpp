@@ -1,0 +1,183 @@
+// The mock's commerce answers over loopback HTTP: parsed by the module's own
+// parsers into complete records, and refused as the service refuses.
+
+#include "MockCommerceTestSupport.h"
+#include "varnel/services/VNLParseContractResponse.h"
+#include "varnel/services/VNLParseCreateOrderResponse.h"
+#include "varnel/services/VNLParseUpdateSubmitResponse.h"
+
+namespace varnel::mock::testing {
+namespace {
+
+void expectCompleteGuest(const RenewableGuest& guest) {
+  for (const std::string* field : {&guest.participantId(), &guest.guestKuid(), &guest.guestFirstName(),
+                                   &guest.guestLastName(), &guest.emailId(), &guest.dob(), &guest.streetAddress(),
+                                   &guest.city(), &guest.state(), &guest.zipCode(), &guest.country(),
+                                   &guest.phoneNumber(), &guest.phoneNumberType()}) {
+    EXPECT_FALSE(field->empty()) << guest.debugDescription();
+  }
+}
+
+TEST_F(MockCommerceTest, PaymentAccountsAreServedAtBothPaths) {
+  for (std::string path : {std::string("/profile/guests/") + kGuestKuid + "/payment-accounts",
+                           std::string("/env2/assembly/guest/id;kuid=") + kGuestKuid + "/payment-accounts"}) {
+    auto result = client().Get(path.c_str(), auth());
+    ASSERT_TRUE(result) << path;
+    EXPECT_EQ(result->status, 200);
+    Json accounts = bodyOf(result)["paymentAccounts"];
+    ASSERT_EQ(accounts.size(), 3u);
+    EXPECT_EQ(accounts[0]["card"]["retrievalReferenceNumber"], "CARD-REF-0001");
+  }
+}
+
+TEST_F(MockCommerceTest, MonthlyOrderContractAndCheckoutParseIntoCompleteRecords) {
+  auto created = post(std::string("/commerce/guests/") + kGuestKuid + "/orders", orderBody("AP-100201", true));
+  ASSERT_TRUE(created);
+  ASSERT_EQ(created->status, 200) << created->body;
+  RenewalOrder order = VNLParseCreateOrderResponse().parseCreateOrder(bodyOf(created));
+  EXPECT_FALSE(order.orderId.empty());
+  EXPECT_FALSE(order.bookingTermsAndConditions.empty());
+  ASSERT_EQ(order.products.size(), 1u);
+  EXPECT_EQ(order.products[0].passName, "Crestline Select Pass");
+  EXPECT_EQ(order.pricing.total, "709.00");
+  EXPECT_EQ(order.pricing.subtotal, "665.00");
+  EXPECT_EQ(order.pricing.taxAmount, "44.00");
+  EXPECT_EQ(order.pricing.currency, "USD");
+  EXPECT_EQ(order.pricing.downPaymentAmount, "79.00");
+  EXPECT_EQ(order.pricing.monthlyPaymentAmount, "49.75");
+  EXPECT_EQ(order.pricing.depositDue, "79.00");
+  ASSERT_EQ(order.guests.size(), 3u);  // the household
+  for (const auto& guest : order.guests) expectCompleteGuest(guest);
+  EXPECT_EQ(order.guests[0].guestPassName(), "Crestline Select Pass");
+  ASSERT_GE(order.termsAndConditionsPolicies.size(), 2u);  // renewal and monthly terms
+  for (const auto& policy : order.termsAndConditionsPolicies) EXPECT_FALSE(policy.descriptions.empty());
+
+  auto contract = post("/commerce/orders/" + order.orderId + "/contract", checkoutBody("0"));
+  ASSERT_TRUE(contract);
+  ASSERT_EQ(contract->status, 200) << contract->body;
+  VNLContractDataModel model = VNLParseContractResponse().parseContract(bodyOf(contract));
+  EXPECT_NE(model.contractForEmail.find("49.75"), std::string::npos);
+  EXPECT_FALSE(model.contractForMobile.empty());
+  EXPECT_EQ(model.linksDictionary.size(), 3u);
+
+  auto paid = post(checkoutPath(order.orderId), checkoutBody("0"));
+  ASSERT_TRUE(paid);
+  ASSERT_EQ(paid->status, 200) << paid->body;
+  RenewalConfirmation confirmation = VNLParseUpdateSubmitResponse().parse(bodyOf(paid));
+  EXPECT_EQ(confirmation.status(), "BOOKED");
+  EXPECT_FALSE(confirmation.confirmationNumber().empty());
+  EXPECT_EQ(confirmation.payment().amount(), "79.00");
+  EXPECT_EQ(confirmation.payment().cardType(), "VISA");
+  EXPECT_EQ(confirmation.payment().cardSubType(), "CREDIT");
+  EXPECT_EQ(confirmation.payment().maskedCardNumber(), "XXXXXXXXXXXX1111");
+  EXPECT_EQ(confirmation.products().size(), 1u);
+  EXPECT_EQ(confirmation.guests().size(), 3u);
+  EXPECT_EQ(server().charges(), (std::map<std::string, int>{{order.orderId, 1}}));
+}
+
+TEST_F(MockCommerceTest, PaidInFullOrderIsFoundByBarcodeAndChargesItsTotal) {
+  std::string id = createOrder("120100201", false);  // the pass's barcode
+  ASSERT_FALSE(id.empty());
+  auto paid = post(checkoutPath(id), checkoutBody("709.00", "CARD-REF-0002", "2b9f41"));
+  ASSERT_TRUE(paid);
+  ASSERT_EQ(paid->status, 200) << paid->body;
+  RenewalConfirmation confirmation = VNLParseUpdateSubmitResponse().parse(bodyOf(paid));
+  EXPECT_EQ(confirmation.payment().amount(), "709.00");
+  EXPECT_EQ(confirmation.payment().cardSubType(), "DEBIT");
+  EXPECT_FALSE(confirmation.pricing().monthlyPaymentAmount.has_value());
+  EXPECT_EQ(confirmation.pricing().depositDue, "709.00");
+}
+
+TEST_F(MockCommerceTest, RefusalsCarryStatusAndBookingError) {
+  std::string order = createOrder();
+  ASSERT_FALSE(order.empty());
+  std::string orders = std::string("/commerce/guests/") + kGuestKuid + "/orders";
+  Json otherGuest = orderBody("AP-100201", true);
+  otherGuest["kuid"] = "guest-somebody-else";
+  struct Row {
+    std::string name;
+    std::string path;
+    std::string body;
+    httplib::Headers headers;
+    int status;
+    std::string typeId;
+  };
+  const std::vector<Row> rows = {
+      {"no token", orders, orderBody("AP-100201", true).dump(), {}, 401, "UNAUTHORIZED"},
+      {"wrong token", orders, orderBody("AP-100201", true).dump(), auth("stolen"), 401, "UNAUTHORIZED"},
+      {"another guest's path", "/commerce/guests/guest-9c02-bb13/orders", orderBody("AP-100201", true).dump(), auth(),
+       403, "FORBIDDEN"},
+      {"another guest's body", orders, otherGuest.dump(), auth(), 403, "FORBIDDEN"},
+      {"malformed JSON", orders, "{\"kuid\": ", auth(), 400, "INVALID_REQUEST"},
+      {"deeply nested JSON", orders, std::string(100'000, '[') + std::string(100'000, ']'), auth(), 400,
+       "INVALID_REQUEST"},
+      {"unknown pass", orders, orderBody("AP-999999", true).dump(), auth(), 400, "ENTITLEMENT_NOT_FOUND"},
+      {"pass not renewable", orders, orderBody("AP-100205", false).dump(), auth(), 400, "ENTITLEMENT_NOT_RENEWABLE"},
+      {"sunset pass", orders, orderBody("AP-100203", false).dump(), auth(), 400, "ENTITLEMENT_NOT_RENEWABLE"},
+      {"no monthly plan", orders, orderBody("AP-100204", true).dump(), auth(), 400, "PAYMENT_PLAN_NOT_AVAILABLE"},
+      {"unknown order", checkoutPath("ORD000000"), checkoutBody("0").dump(), auth(), 404, "ORDER_NOT_FOUND"},
+      {"wrong amount", checkoutPath(order), checkoutBody("709.00").dump(), auth(), 400, "PAYMENT_AMOUNT_MISMATCH"},
+      {"unknown card", checkoutPath(order), checkoutBody("0", "CARD-REF-0009").dump(), auth(), 400,
+       "INVALID_PAYMENT_REFERENCE"},
+      {"declined card", checkoutPath(order), checkoutBody("0", "CARD-REF-0003", "c40d22").dump(), auth(), 402,
+       "PAYMENT_DECLINED"},
+      {"pending order", checkoutPath(order), checkoutBody("0").dump(),
+       httplib::Headers{{"Authorization", std::string("Bearer ") + kToken}, {kMockHeaderName, kPendingOrderHeaderValue}},
+       500, "ORDER_PENDING"},
+      {"unknown path", "/commerce/nowhere", "{}", auth(), 404, "NOT_FOUND"},
+  };
+  for (const auto& row : rows) {
+    auto result = client().Post(row.path.c_str(), row.headers, row.body, "application/json");
+    ASSERT_TRUE(result) << row.name;
+    EXPECT_EQ(result->status, row.status) << row.name;
+    EXPECT_EQ(typeIdOf(result), row.typeId) << row.name;
+  }
+  auto wrongMethod = client().Get(checkoutPath(order).c_str(), auth());
+  ASSERT_TRUE(wrongMethod);
+  EXPECT_EQ(wrongMethod->status, 405);
+  EXPECT_EQ(server().charges().at(order), 0);
+}
+
+TEST_F(MockCommerceTest, OrderIsChargedAtMostOnce) {
+  std::string order = createOrder();
+  auto first = post(checkoutPath(order), checkoutBody("0"));
+  auto second = post(checkoutPath(order), checkoutBody("0"));
+  ASSERT_TRUE(first && second);
+  EXPECT_EQ(first->status, 200);
+  EXPECT_EQ(second->status, 409);
+  EXPECT_EQ(typeIdOf(second), "ORDER_ALREADY_PURCHASED");
+  EXPECT_EQ(server().charges().at(order), 1);
+  // A renewed pass is not offered for renewal again.
+  auto again = post(std::string("/commerce/guests/") + kGuestKuid + "/orders", orderBody("AP-100201", true));
+  ASSERT_TRUE(again);
+  EXPECT_EQ(typeIdOf(again), "ENTITLEMENT_NOT_RENEWABLE");
+}
+
+TEST_F(MockCommerceTest, IdempotencyKeyReplaysTheEarlierAnswerOnlyForTheSameRequest) {
+  std::string order = createOrder();
+  httplib::Headers keyed = auth();
+  keyed.emplace("Idempotency-Key", "key-1");
+  auto first = post(checkoutPath(order), checkoutBody("0"), keyed);
+  auto replay = post(checkoutPath(order), checkoutBody("0"), keyed);
+  auto otherBody = post(checkoutPath(order), checkoutBody("0", "CARD-REF-0002", "2b9f41"), keyed);
+  ASSERT_TRUE(first && replay && otherBody);
+  EXPECT_EQ(first->status, 200);
+  EXPECT_EQ(replay->status, first->status);
+  EXPECT_EQ(replay->body, first->body);
+  EXPECT_EQ(otherBody->status, 422);
+  EXPECT_EQ(typeIdOf(otherBody), "IDEMPOTENCY_KEY_REUSED");
+  EXPECT_EQ(server().charges().at(order), 1);
+
+  // A repeated create-order key makes no second order.
+  keyed.erase("Idempotency-Key");
+  keyed.emplace("Idempotency-Key", "key-2");
+  std::string orders = std::string("/commerce/guests/") + kGuestKuid + "/orders";
+  auto created = post(orders, orderBody("AP-100202", false), keyed);
+  auto createdAgain = post(orders, orderBody("AP-100202", false), keyed);
+  ASSERT_TRUE(created && createdAgain);
+  EXPECT_EQ(created->body, createdAgain->body);
+  EXPECT_EQ(server().charges().size(), 2u);
+}
+
+}  // namespace
+}  // namespace varnel::mock::testing
