@@ -183,3 +183,44 @@ TEST_F(MockCommerceTest, RoutesAndRouteFaults) {
 
 }  // namespace
 }  // namespace varnel::mock::testing
+
+namespace varnel::mock::testing {
+namespace {
+
+TEST_F(MockCommerceTest, SurvivesBadRequestsAndKeepsServing) {
+  std::string orders = std::string("/commerce/guests/") + kGuestKuid + "/orders";
+  struct Row {
+    std::string name;
+    std::string method;
+    std::string path;
+    std::string body;
+  };
+  const std::vector<Row> rows = {
+      {"huge body", "POST", orders, std::string(3 << 20, 'x')},
+      {"deep objects", "POST", orders, std::string(50'000, '{')},
+      {"invalid UTF-8", "POST", orders, "{\"kuid\": \"\xff\xfe\"}"},
+      {"array body", "POST", checkoutPath("ORD700001"), "[1, 2, 3]"},
+      {"PUT on orders", "PUT", orders, "{}"},
+      {"DELETE on accounts", "DELETE", accountsPath(), ""},
+      {"admin nonsense", "POST", "/__admin/faults", "{\"endpoint\": 7}"},
+      {"unknown admin", "GET", "/__admin/nothing", ""},
+  };
+  for (const auto& row : rows) {
+    httplib::Request request;
+    request.method = row.method;
+    request.path = row.path;
+    request.headers = auth();
+    request.headers.emplace("X-Odd-Header", "\xc3\x28");
+    request.body = row.body;
+    auto result = client().send(request);
+    ASSERT_TRUE(result) << row.name;
+    EXPECT_GE(result->status, 400) << row.name;
+  }
+  auto journal = client().Get("/__admin/requests");
+  ASSERT_TRUE(journal);
+  EXPECT_EQ(journal->status, 200);
+  EXPECT_FALSE(createOrder().empty());
+}
+
+}  // namespace
+}  // namespace varnel::mock::testing
