@@ -85,3 +85,27 @@ TEST(MockCommerceProgram, BadOptionsExitWithStatusTwo) {
 
 }  // namespace
 }  // namespace varnel::mock::testing
+
+namespace varnel::mock::testing {
+namespace {
+
+TEST(MockCommerceStart, RefusesABusyPortAndAGuestWithoutToken) {
+  MockCommerceOptions options;
+  options.guest = sampleGuest();
+  auto first = MockCommerceServer::start(options);
+  ASSERT_TRUE(first.ok());
+  auto busy = MockCommerceServer::start(options, first.value()->port());
+  ASSERT_FALSE(busy.ok());
+  EXPECT_EQ(busy.error().code, static_cast<long>(MockCommerceErrorCode::cannotListen));
+
+  options.guest.accessToken.reset();
+  auto tokenless = MockCommerceServer::start(options);
+  ASSERT_FALSE(tokenless.ok());
+  EXPECT_EQ(tokenless.error().code, static_cast<long>(MockCommerceErrorCode::badOption));
+
+  first.value()->stop();
+  first.value()->stop();  // stopping twice is harmless
+}
+
+}  // namespace
+}  // namespace varnel::mock::testing

@@ -87,6 +87,12 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
       response.set_content(bookingError("UNEXPECTED_ERROR", "The request could not be handled.").dump(), "application/json");
     });
     impl->server.set_payload_max_length(kBodyLimit);
+    // The library's default also sets SO_REUSEPORT, which would let a second
+    // server share a busy port instead of refusing it.
+    impl->server.set_socket_options([](socket_t socket) {
+      int yes = 1;
+      setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
 
     impl->port = port == 0 ? impl->server.bind_to_any_port(kHost) : (impl->server.bind_to_port(kHost, port) ? port : -1);
     if (impl->port <= 0) {
