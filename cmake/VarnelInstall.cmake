@@ -1,4 +1,4 @@
-# Installable package: find_package(Varnel CONFIG COMPONENTS core standalone testing)
+# Installable package: find_package(Varnel CONFIG COMPONENTS core standalone testing screens)
 # and a pkg-config file "varnel".
 include(CMakePackageConfigHelpers)
 
@@ -18,6 +18,11 @@ set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Varnel)
 install(EXPORT VarnelCoreTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
 install(EXPORT VarnelStandaloneTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
 install(EXPORT VarnelTestingTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
+if(TARGET varnel_screens)
+  install(TARGETS varnel_screens EXPORT VarnelScreensTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(DIRECTORY screens/include/varnel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(EXPORT VarnelScreensTargets NAMESPACE Varnel:: DESTINATION ${config_dir})
+endif()
 configure_package_config_file(cmake/VarnelConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/VarnelConfig.cmake INSTALL_DESTINATION ${config_dir})
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/VarnelConfigVersion.cmake
