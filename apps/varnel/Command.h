@@ -19,6 +19,12 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Ends the tool with `status` once the command has printed what it had to
+/// say (1: a commerce failure the guest would be shown).
+struct CommandExit {
+  int status;
+};
+
 using CommandRegistrar = void (*)(CLI::App& app);
 
 struct CommandRegistration {

@@ -29,6 +29,8 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& e) {
     app.exit(e);
     return 2;
+  } catch (const cli::CommandExit& exit) {
+    return exit.status;
   } catch (const cli::UsageError& e) {
     std::cerr << "varnel: " << e.what() << '\n';
     return 2;

@@ -87,6 +87,10 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
       response.set_content(bookingError("UNEXPECTED_ERROR", "The request could not be handled.").dump(), "application/json");
     });
     impl->server.set_payload_max_length(kBodyLimit);
+    // Clients keep their connection for a whole renewal and longer; answers
+    // go out at once instead of waiting for the client's acknowledgement.
+    impl->server.set_keep_alive_max_count(100000);
+    impl->server.set_tcp_nodelay(true);
     // The library's default also sets SO_REUSEPORT, which would let a second
     // server share a busy port instead of refusing it.
     impl->server.set_socket_options([](socket_t socket) {

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "Command.h"
+#include "commands/RecordText.h"
 #include "varnel/host/Registry.h"
 #include "varnel/platform/Json.h"
 #include "varnel/services/VNLParseContractResponse.h"
@@ -40,33 +41,6 @@ Json readAnswer(const std::string& file) {
 }
 
 std::string dumpJson(const Json& value) { return value.dump(2, ' ', false, Json::error_handler_t::replace); }
-
-template <typename Record>
-std::string bulletList(const std::vector<Record>& records) {
-  if (records.empty()) return " none\n";
-  std::string text = "\n";
-  for (const auto& record : records) text += "- " + record.debugDescription() + "\n";
-  return text;
-}
-
-// An order can be described only with a product and a guest; any other order
-// is shown field by field instead.
-std::string readableOrder(const RenewalOrder& order) {
-  if (!order.products.empty() && !order.guests.empty()) return order.debugDescription() + "\n";
-  return "Order: " + order.orderId + "\nPayment plan: " + (order.paymentPlan ? "true" : "false") +
-         "\nProducts:" + bulletList(order.products) + "Guests:" + bulletList(order.guests) +
-         "Pricing: " + order.pricing.debugDescription() + "\nTerms and condition " + order.bookingTermsAndConditions +
-         "\nPolicies: " + std::to_string(order.termsAndConditionsPolicies.size()) + "\n";
-}
-
-std::string readableConfirmation(const RenewalConfirmation& confirmation) {
-  const RenewalPayment& payment = confirmation.payment();
-  return "Confirmation number: " + confirmation.confirmationNumber() + "\nStatus: " + confirmation.status() +
-         "\nPayment plan: " + (confirmation.paymentPlan() ? "true" : "false") + "\nPayment: " + payment.cardType() +
-         " " + payment.cardSubType() + " " + payment.maskedCardNumber() + ", amount " + payment.amount() +
-         "\nPricing: " + confirmation.pricing().debugDescription() + "\nProducts:" +
-         bulletList(confirmation.products()) + "Guests:" + bulletList(confirmation.guests());
-}
 
 void runParse(const ParseOptions& options, std::ostream& out) {
   const Json answer = readAnswer(options.file);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "varnel/host/KTVRAuthenticationService.h"
+#include "varnel/host/KTVRUserProfileAuthentication.h"
 
 namespace varnel::standalone {
 
@@ -20,6 +21,16 @@ class StaticAuthenticationService final : public KTVRAuthenticationService {
 
  private:
   std::optional<std::string> kuid_;
+  std::optional<std::string> email_;
+};
+
+/// The signed-in profile of a fixed guest.
+class StaticUserProfile final : public KTVRUserProfileAuthentication {
+ public:
+  explicit StaticUserProfile(std::optional<std::string> email) : email_(std::move(email)) {}
+  std::optional<std::string> email() const override { return email_; }
+
+ private:
   std::optional<std::string> email_;
 };
 

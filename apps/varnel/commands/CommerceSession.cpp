@@ -1,0 +1,149 @@
+#include "commands/CommerceSession.h"
+
+#include <iostream>
+#include <mutex>
+
+#include "Command.h"
+#include "commands/ErrorReport.h"
+#include "varnel/errors/ErrorMapping.h"
+#include "varnel/host/ENTMEntitlementsManager.h"
+#include "varnel/host/Registry.h"
+#include "varnel/host/ResourceBundle.h"
+#include "varnel/mock/MockCommerceServer.h"
+#include "varnel/platform/MainQueue.h"
+#include "varnel/standalone/FileEntitlementsManager.h"
+#include "varnel/standalone/SqliteUserDefaults.h"
+#include "varnel/standalone/StaticAuthenticationService.h"
+#include "varnel/standalone/network/JsonEnvironment.h"
+
+namespace varnel::cli {
+
+void addCommerceOptions(CLI::App& command, CommerceOptions& options) {
+  command.add_option("--server", options.server,
+                     "Base URL of the commerce server (default: a mock commerce server started for this command)");
+  command.add_option("--guest", options.guestFile,
+                     "Guest data file (default: the sample guest, resources/guests/sample-guest.json)");
+  command.add_option("--defaults", options.defaultsPath,
+                     "User-defaults store (default: $VARNEL_DEFAULTS, else ~/.config/varnel/defaults.sqlite3)");
+  command.add_option("--park", options.park, "Resort value of the park context (1 west, 2 east; default 2)");
+  command.add_flag("--json", options.json, "Print JSON");
+}
+
+CommerceSession::CommerceSession(const CommerceOptions& options) {
+  using host::Registry;
+  parkContext_ = std::make_shared<KTVCParkResortContext>(parsePark(options.park));
+
+  auto store = standalone::SqliteUserDefaults::openResolved(
+      options.defaultsPath.empty() ? std::nullopt : std::optional<std::filesystem::path>(options.defaultsPath));
+  if (!store) throw UsageError("cannot open the settings store: " + localizedDescription(store.error()));
+  Registry::set<UserDefaults>(store.value());
+
+  const std::filesystem::path file = options.guestFile.empty()
+                                         ? varnelResourceDirectory() / "guests" / "sample-guest.json"
+                                         : std::filesystem::path(options.guestFile);
+  auto guest = standalone::readGuestDataFile(file);
+  if (!guest) throw UsageError(standalone::describeGuestDataError(guest.error()));
+  guest_ = guest.value();
+  auto manager = standalone::FileEntitlementsManager::open(file);
+  if (!manager) throw UsageError(standalone::describeGuestDataError(manager.error()));
+  Registry::set<ENTMEntitlementsManager>(manager.value());
+  Registry::set<KTVRAuthenticationService>(
+      std::make_shared<standalone::StaticAuthenticationService>(guest_.kuid, guest_.email));
+  Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(guest_.email));
+
+  serverUrl_ = options.server;
+  if (serverUrl_.empty()) {
+    auto started = mock::MockCommerceServer::start(
+        {.guest = guest_, .faults = {}, .routes = {}, .routeFaults = {}, .requestLog = {}});
+    if (!started) throw UsageError("cannot start the mock commerce server: " + localizedDescription(started.error()));
+    embeddedServer_ = std::move(started.value());
+    serverUrl_ = embeddedServer_->baseUrl();
+  }
+  auto environment = standalone::JsonEnvironment::forServer(serverUrl_);
+  if (!environment) throw UsageError("--server: " + localizedDescription(environment.error()));
+
+  networking_ = standalone::installStandaloneNetworking(environment.value(),
+                                                        [token = guest_.accessToken] { return token; });
+  mainQueue_ = std::dynamic_pointer_cast<standalone::RunLoopMainQueue>(Registry::get<MainQueue>());
+  if (!mainQueue_) {
+    mainQueue_ = std::make_shared<standalone::RunLoopMainQueue>();
+    Registry::set<MainQueue>(mainQueue_);
+  }
+}
+
+CommerceSession::~CommerceSession() {
+  standalone::uninstallStandaloneNetworking();
+  networking_ = {};
+  if (embeddedServer_) embeddedServer_->stop();
+}
+
+bool CommerceSession::runUntil(const std::function<bool()>& done) {
+  while (!done()) {
+    mainQueue_->runUntil(done, std::chrono::milliseconds(50));
+    if (done()) break;
+    // Callbacks hand their results to the main queue before the networking
+    // counts them out, so once nothing is in flight a last drain sees them all.
+    if (networking_.client->callsInFlight() == 0) {
+      mainQueue_->drain();
+      return done();
+    }
+  }
+  return true;
+}
+
+CallbackOutcome CommerceSession::await(const std::function<void(KTVRSuccessBlock, KTVRFailureBlock)>& start) {
+  auto outcome = std::make_shared<CallbackOutcome>();
+  auto queue = mainQueue_;
+  start(
+      [outcome, queue](const std::optional<Json>& value) {
+        queue->post([outcome, value] {
+          if (!outcome->silent) return;
+          *outcome = {false, true, value, std::nullopt};
+        });
+      },
+      [outcome, queue](const std::optional<Error>& error) {
+        queue->post([outcome, error] {
+          if (!outcome->silent) return;
+          *outcome = {false, false, std::nullopt, error};
+        });
+      });
+  runUntil([&] { return !outcome->silent; });
+  return *outcome;
+}
+
+int reportCommerceFailure(const std::optional<Error>& error, KTVCResortChoice park, bool json) {
+  std::optional<APError> commerceError;
+  if (error && error->domain == kAPErrorDomain) commerceError = apErrorFromRawValue(static_cast<int>(error->code));
+  if (!commerceError && error) commerceError = APBookingServiceError(*error);
+  if (commerceError) {
+    const OrderedJson described = describeError(*commerceError, park);
+    if (json) {
+      std::cout << dumpJson(OrderedJson{{"error", described}}) << '\n';
+    } else {
+      std::cerr << "The commerce service refused the request.\n";
+      printDescription(described);
+    }
+    return 1;
+  }
+  const std::string reason = error ? describe(*error) : std::string("the request failed without an error");
+  if (json) {
+    std::cout << dumpJson(OrderedJson{{"error", OrderedJson{{"case", nullptr}, {"reason", reason}}}}) << '\n';
+  } else {
+    std::cerr << "varnel: the request failed: " << reason << '\n';
+  }
+  return 1;
+}
+
+int reportSilentOutcome(std::string_view operation, bool json) {
+  const std::string message = std::string(operation) +
+                              " ended without an answer the module acts on (nothing was sent, or the answer was "
+                              "not a JSON object); see --verbose";
+  if (json) {
+    std::cout << dumpJson(OrderedJson{{"error", OrderedJson{{"case", nullptr}, {"reason", message}}}}) << '\n';
+  } else {
+    std::cerr << "varnel: " << message << '\n';
+  }
+  return 1;
+}
+
+}  // namespace varnel::cli

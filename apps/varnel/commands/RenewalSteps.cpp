@@ -1,0 +1,35 @@
+#include "commands/RenewalSteps.h"
+
+#include "Command.h"
+#include "varnel/services/CommerceRequests.h"
+#include "varnel/services/VNLCreateOrderParameters.h"
+
+namespace varnel::cli {
+
+std::shared_ptr<VNLEntitlement> findPass(const VNLVarnel& varnel, const std::string& productInstanceId) {
+  std::string known;
+  for (const auto& entitlement : varnel.allEntitlements()) {
+    if (entitlement->productInstanceID() == productInstanceId) return entitlement;
+    known += (known.empty() ? "" : ", ") + entitlement->productInstanceID();
+  }
+  throw UsageError("the guest has no pass \"" + productInstanceId + "\" (the guest's passes: " +
+                   (known.empty() ? "none" : known) + ")");
+}
+
+Json renewalProduct(const VNLEntitlement& pass, const CommerceSession& session) {
+  const std::string holder = !pass.profileId().empty() ? pass.profileId() : session.guest().kuid.value_or("");
+  return Json{{"categoryId", "AnnualPassRenewal"},
+              {"quantity", 1},
+              {"entitlementId", pass.productInstanceID()},
+              {"guestIdType", "kuid"},
+              {"guestId", holder}};
+}
+
+CallbackOutcome sendCreateOrder(CommerceSession& session, std::vector<Json> products, bool monthlyPlan) {
+  const VNLCreateOrderParameters parameters(*session.parkContext(), session.guest().kuid.value_or(""),
+                                            std::move(products), monthlyPlan);
+  return session.await(
+      [&](auto success, auto failure) { createOrderRequest(session.service(), parameters, success, failure); });
+}
+
+}  // namespace varnel::cli

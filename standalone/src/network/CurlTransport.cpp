@@ -1,0 +1,313 @@
+#include "varnel/standalone/network/CurlTransport.h"
+
+#include <curl/curl.h>
+#include <openssl/ssl.h>
+#include <openssl/x509.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace varnel::standalone {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// libcurl's process-wide set-up, done once before the first handle.
+void initialiseCurlOnce() {
+  static const bool initialised = [] { return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK; }();
+  (void)initialised;
+}
+
+struct Transfer {
+  CurlTransport::TransferId id = 0;
+  HttpRequest request;
+  CurlTransport::Completion completion;
+  Clock::time_point due;
+  CURL* easy = nullptr;
+  curl_slist* headerList = nullptr;
+  HttpOutcome outcome;
+  char errorText[CURL_ERROR_SIZE] = {};
+
+  ~Transfer() {
+    if (headerList) curl_slist_free_all(headerList);
+    if (easy) curl_easy_cleanup(easy);
+  }
+};
+
+std::size_t appendBody(char* data, std::size_t size, std::size_t count, void* transfer) {
+  static_cast<Transfer*>(transfer)->outcome.body.append(data, size * count);
+  return size * count;
+}
+
+std::string trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos) return {};
+  const auto last = text.find_last_not_of(" \t\r\n");
+  return std::string(text.substr(first, last - first + 1));
+}
+
+std::size_t collectHeader(char* data, std::size_t size, std::size_t count, void* transfer) {
+  auto& headers = static_cast<Transfer*>(transfer)->outcome.headers;
+  const std::string_view line(data, size * count);
+  if (line.starts_with("HTTP/")) {
+    headers.clear();  // a new answer (after an interim 1xx one) starts over
+  } else if (auto colon = line.find(':'); colon != std::string_view::npos) {
+    headers.insert_or_assign(trimmed(line.substr(0, colon)), trimmed(line.substr(colon + 1)));
+  }
+  return size * count;
+}
+
+/// Trusts the extra CA file in addition to the default store.
+CURLcode addExtraCa(CURL*, void* sslContext, void* caFile) {
+  X509_STORE* store = SSL_CTX_get_cert_store(static_cast<SSL_CTX*>(sslContext));
+  const auto* path = static_cast<const std::filesystem::path*>(caFile);
+  return X509_STORE_load_file(store, path->c_str()) == 1 ? CURLE_OK : CURLE_SSL_CACERT_BADFILE;
+}
+
+}  // namespace
+
+struct CurlTransport::State {
+  explicit State(TransportOptions opts) : options(std::move(opts)) {}
+
+  TransportOptions options;
+  CURLM* multi = nullptr;
+  std::thread worker;
+  std::thread::id workerId;
+  std::atomic<bool> stopping{false};
+  std::atomic<std::int64_t> connectionsOpened{0};
+
+  std::mutex mutex;
+  TransferId nextId = 1;
+  std::vector<std::unique_ptr<Transfer>> waiting;  // not yet handed to libcurl
+  std::vector<TransferId> cancellations;
+  std::vector<std::function<void()>> tasks;
+
+  // Worker-thread only.
+  std::map<TransferId, std::unique_ptr<Transfer>> active;
+
+  void run();
+  void startDueTransfers(Clock::time_point now);
+  void start(std::unique_ptr<Transfer> transfer);
+  void applyCancellations(std::vector<std::unique_ptr<Transfer>>& finished);
+  void collectFinished(std::vector<std::unique_ptr<Transfer>>& finished);
+  int pollTimeoutMs(Clock::time_point now);
+  void wake() {
+    if (multi) curl_multi_wakeup(multi);
+  }
+};
+
+void CurlTransport::State::start(std::unique_ptr<Transfer> transfer) {
+  CURL* easy = curl_easy_init();
+  transfer->easy = easy;
+  const HttpRequest& request = transfer->request;
+  curl_easy_setopt(easy, CURLOPT_URL, request.url.c_str());
+  curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+  if (options.extraCaFile) {
+    curl_easy_setopt(easy, CURLOPT_SSL_CTX_FUNCTION, &addExtraCa);
+    curl_easy_setopt(easy, CURLOPT_SSL_CTX_DATA, &*options.extraCaFile);
+  }
+  curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(options.connectTimeout.count()));
+  curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(options.totalTimeout.count()));
+  curl_easy_setopt(easy, CURLOPT_TCP_KEEPALIVE, 1L);
+  curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, transfer->errorText);
+  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &appendBody);
+  curl_easy_setopt(easy, CURLOPT_WRITEDATA, transfer.get());
+  curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &collectHeader);
+  curl_easy_setopt(easy, CURLOPT_HEADERDATA, transfer.get());
+  curl_easy_setopt(easy, CURLOPT_PRIVATE, transfer.get());
+
+  if (request.method == "GET" && !request.body) {
+    curl_easy_setopt(easy, CURLOPT_HTTPGET, 1L);
+  } else {
+    if (request.method != "POST") curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, request.method.c_str());
+    const std::string& body = request.body ? *request.body : std::string();
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, request.body ? request.body->data() : "");
+  }
+  for (const auto& [name, value] : request.headers) {
+    transfer->headerList = curl_slist_append(transfer->headerList, (name + ": " + value).c_str());
+  }
+  // No "Expect: 100-continue" round trip before a body.
+  transfer->headerList = curl_slist_append(transfer->headerList, "Expect:");
+  curl_easy_setopt(easy, CURLOPT_HTTPHEADER, transfer->headerList);
+
+  const TransferId id = transfer->id;
+  active.emplace(id, std::move(transfer));
+  curl_multi_add_handle(multi, easy);
+}
+
+void CurlTransport::State::startDueTransfers(Clock::time_point now) {
+  std::vector<std::unique_ptr<Transfer>> due;
+  {
+    std::lock_guard lock(mutex);
+    auto notDue = std::stable_partition(waiting.begin(), waiting.end(),
+                                        [now](const auto& transfer) { return transfer->due <= now; });
+    std::move(waiting.begin(), notDue, std::back_inserter(due));
+    waiting.erase(waiting.begin(), notDue);
+  }
+  for (auto& transfer : due) start(std::move(transfer));
+}
+
+void CurlTransport::State::applyCancellations(std::vector<std::unique_ptr<Transfer>>& finished) {
+  std::vector<TransferId> ids;
+  {
+    std::lock_guard lock(mutex);
+    ids.swap(cancellations);
+    for (TransferId id : ids) {
+      auto it = std::find_if(waiting.begin(), waiting.end(), [id](const auto& t) { return t->id == id; });
+      if (it == waiting.end()) continue;
+      (*it)->outcome.failure = TransportFailure{CURLE_ABORTED_BY_CALLBACK, "cancelled", true};
+      finished.push_back(std::move(*it));
+      waiting.erase(it);
+    }
+  }
+  for (TransferId id : ids) {
+    auto it = active.find(id);
+    if (it == active.end()) continue;
+    curl_multi_remove_handle(multi, it->second->easy);
+    it->second->outcome.failure = TransportFailure{CURLE_ABORTED_BY_CALLBACK, "cancelled", true};
+    finished.push_back(std::move(it->second));
+    active.erase(it);
+  }
+}
+
+void CurlTransport::State::collectFinished(std::vector<std::unique_ptr<Transfer>>& finished) {
+  int remaining = 0;
+  while (CURLMsg* message = curl_multi_info_read(multi, &remaining)) {
+    if (message->msg != CURLMSG_DONE) continue;
+    Transfer* raw = nullptr;
+    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &raw);
+    const CURLcode result = message->data.result;
+    curl_multi_remove_handle(multi, message->easy_handle);
+    auto it = active.find(raw->id);
+    if (it == active.end()) continue;
+    auto transfer = std::move(it->second);
+    active.erase(it);
+
+    long connects = 0;
+    curl_easy_getinfo(transfer->easy, CURLINFO_NUM_CONNECTS, &connects);
+    transfer->outcome.connectionsOpened = connects;
+    connectionsOpened += connects;
+    if (result == CURLE_OK) {
+      long status = 0;
+      curl_easy_getinfo(transfer->easy, CURLINFO_RESPONSE_CODE, &status);
+      transfer->outcome.status = status;
+    } else {
+      const std::string detail = transfer->errorText[0] ? transfer->errorText : curl_easy_strerror(result);
+      transfer->outcome.failure = TransportFailure{static_cast<int>(result), detail, false};
+      transfer->outcome.body.clear();
+    }
+    finished.push_back(std::move(transfer));
+  }
+}
+
+int CurlTransport::State::pollTimeoutMs(Clock::time_point now) {
+  auto timeout = std::chrono::milliseconds(1000);
+  std::lock_guard lock(mutex);
+  for (const auto& transfer : waiting) {
+    auto untilDue = std::chrono::ceil<std::chrono::milliseconds>(transfer->due - now);
+    timeout = std::min(timeout, std::max(untilDue, std::chrono::milliseconds(0)));
+  }
+  return static_cast<int>(timeout.count());
+}
+
+void CurlTransport::State::run() {
+  while (!stopping) {
+    std::vector<std::unique_ptr<Transfer>> finished;
+    applyCancellations(finished);
+    startDueTransfers(Clock::now());
+    int running = 0;
+    curl_multi_perform(multi, &running);
+    collectFinished(finished);
+    std::vector<std::function<void()>> posted;
+    {
+      std::lock_guard lock(mutex);
+      posted.swap(tasks);
+    }
+    for (auto& task : posted) {
+      if (stopping) break;
+      task();
+    }
+    for (auto& transfer : finished) {
+      if (stopping) break;
+      auto completion = std::move(transfer->completion);
+      HttpOutcome outcome = std::move(transfer->outcome);
+      transfer.reset();
+      completion(std::move(outcome));
+    }
+    if (stopping) break;
+    if (!finished.empty() || !posted.empty()) continue;  // they may have queued more work
+    curl_multi_poll(multi, nullptr, 0, pollTimeoutMs(Clock::now()), nullptr);
+  }
+  for (auto& [id, transfer] : active) curl_multi_remove_handle(multi, transfer->easy);
+  active.clear();
+  std::lock_guard lock(mutex);
+  waiting.clear();
+  tasks.clear();
+  curl_multi_cleanup(multi);
+  multi = nullptr;
+}
+
+CurlTransport::CurlTransport(TransportOptions options) : state_(std::make_shared<State>(std::move(options))) {
+  initialiseCurlOnce();
+  state_->multi = curl_multi_init();
+  curl_multi_setopt(state_->multi, CURLMOPT_MAX_HOST_CONNECTIONS, 6L);
+  // The thread keeps the state alive, so that a transport destroyed from
+  // inside one of its own completions can let the thread finish by itself.
+  state_->worker = std::thread([state = state_] { state->run(); });
+  state_->workerId = state_->worker.get_id();
+}
+
+CurlTransport::~CurlTransport() {
+  state_->stopping = true;
+  {
+    std::lock_guard lock(state_->mutex);
+    state_->wake();
+  }
+  if (std::this_thread::get_id() == state_->workerId) {
+    state_->worker.detach();
+  } else {
+    state_->worker.join();
+  }
+}
+
+CurlTransport::TransferId CurlTransport::send(HttpRequest request, Completion completion,
+                                              std::chrono::milliseconds delay) {
+  auto transfer = std::make_unique<Transfer>();
+  transfer->request = std::move(request);
+  transfer->completion = std::move(completion);
+  transfer->due = Clock::now() + delay;
+  std::lock_guard lock(state_->mutex);
+  transfer->id = state_->nextId++;
+  const TransferId id = transfer->id;
+  state_->waiting.push_back(std::move(transfer));
+  state_->wake();
+  return id;
+}
+
+void CurlTransport::post(std::function<void()> task) {
+  std::lock_guard lock(state_->mutex);
+  state_->tasks.push_back(std::move(task));
+  state_->wake();
+}
+
+void CurlTransport::cancel(TransferId transfer) {
+  std::lock_guard lock(state_->mutex);
+  state_->cancellations.push_back(transfer);
+  state_->wake();
+}
+
+std::int64_t CurlTransport::connectionsOpened() const { return state_->connectionsOpened.load(); }
+
+const TransportOptions& CurlTransport::options() const { return state_->options; }
+
+}  // namespace varnel::standalone

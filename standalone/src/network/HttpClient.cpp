@@ -1,0 +1,110 @@
+#include "varnel/standalone/network/HttpClient.h"
+
+#include <atomic>
+#include <mutex>
+
+#include "varnel/host/KTVCPrintUtility.h"
+#include "varnel/host/Registry.h"
+#include "varnel/standalone/network/RequestLog.h"
+
+namespace varnel::standalone {
+namespace {
+
+bool isWrite(const HttpRequest& request) { return request.method != "GET" && request.method != "HEAD"; }
+
+}  // namespace
+
+struct HttpClient::Call final : HttpCall {
+  HttpClient* client = nullptr;
+  HttpRequest request;
+  Completion completion;
+  int attempt = 1;
+  bool write = false;
+
+  std::mutex mutex;
+  bool cancelled = false;
+  CurlTransport::TransferId transfer = 0;
+
+  void cancel() override {
+    CurlTransport::TransferId current = 0;
+    {
+      std::lock_guard lock(mutex);
+      cancelled = true;
+      current = transfer;
+    }
+    if (current) client->transport().cancel(current);
+  }
+  bool isCancelled() {
+    std::lock_guard lock(mutex);
+    return cancelled;
+  }
+};
+
+HttpClient::HttpClient(HttpClientOptions options)
+    : options_(std::move(options)),
+      keys_(options_.settings),
+      random_(std::random_device{}()),
+      transport_(std::make_unique<CurlTransport>(options_.transport)) {}
+
+std::shared_ptr<UserDefaults> HttpClient::settings() const {
+  return options_.settings ? options_.settings : host::Registry::get<UserDefaults>();
+}
+
+void HttpClient::addRoutingHeader(HttpRequest& request) const {
+  auto defaults = settings();
+  if (!defaults || !defaults->boolForKey(kServerErrorRoutingUseFeatureKey)) return;
+  auto stored = defaults->objectForKey(kServerErrorRoutingHeaderKey);
+  const auto* headers = stored ? stored->get<DefaultsDictionary>() : nullptr;
+  if (!headers) return;
+  for (const auto& [name, value] : *headers) {
+    if (const auto* text = value.get<std::string>()) request.headers.insert_or_assign(name, *text);
+  }
+}
+
+std::shared_ptr<HttpCall> HttpClient::send(HttpRequest request, Completion completion) {
+  addRoutingHeader(request);
+  auto call = std::make_shared<Call>();
+  call->client = this;
+  call->write = isWrite(request);
+  if (call->write && !request.headers.contains(kIdempotencyKeyHeader)) {
+    request.headers.insert_or_assign(kIdempotencyKeyHeader,
+                                     keys_.keyForWrite(request.url, request.body.value_or("")));
+  }
+  call->request = std::move(request);
+  call->completion = std::move(completion);
+  ++*inFlight_;
+  dispatch(call, std::chrono::milliseconds{0});
+  return call;
+}
+
+void HttpClient::dispatch(const std::shared_ptr<Call>& call, std::chrono::milliseconds delay) {
+  std::lock_guard lock(call->mutex);
+  if (call->cancelled) {
+    --*inFlight_;
+    return;
+  }
+  call->transfer = transport_->send(
+      call->request, [this, call](HttpOutcome outcome) { finish(call, std::move(outcome)); }, delay);
+}
+
+void HttpClient::finish(const std::shared_ptr<Call>& call, HttpOutcome outcome) {
+  if (KTVCPrintUtility::isEnabled()) KTVCPrintUtility::debugPrint(requestLogLine(call->request, outcome, call->attempt));
+  if (call->isCancelled()) {
+    --*inFlight_;
+    return;
+  }
+  const bool mayRetry = !call->write || call->request.headers.contains(kIdempotencyKeyHeader);
+  if (outcome.failure && mayRetry && call->attempt <= options_.retry.maxRetries) {
+    const auto wait = options_.retry.backoff(call->attempt, random_);
+    ++call->attempt;
+    dispatch(call, wait);
+    return;
+  }
+  if (call->write && outcome.answered()) keys_.writeAnswered(call->request.url, call->request.body.value_or(""));
+  auto completion = std::move(call->completion);
+  auto inFlight = inFlight_;
+  completion(std::move(outcome));  // may release this client
+  --*inFlight;
+}
+
+}  // namespace varnel::standalone

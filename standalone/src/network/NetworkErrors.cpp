@@ -1,0 +1,39 @@
+#include "varnel/standalone/network/NetworkErrors.h"
+
+namespace varnel::standalone {
+
+Error transportError(const TransportFailure& failure) {
+  return Error{kNetworkErrorDomain, static_cast<long>(NetworkErrorCode::transportFailed),
+               Json{{kErrorIsConnectionErrorKey, true},
+                    {"curlCode", failure.code},
+                    {kErrorLocalizedDescriptionKey, "No answer from the service: " + failure.message}}};
+}
+
+Error httpStatusError(long status, const std::string& body) {
+  Json userInfo{{kErrorIsConnectionErrorKey, false},
+                {kErrorStatusCodeKey, status},
+                {kErrorLocalizedDescriptionKey, "The service answered with HTTP status " + std::to_string(status)}};
+  if (auto json = decodeJsonBody(body)) userInfo[kErrorJsonResponseKey] = std::move(*json);
+  return Error{kHTTPErrorDomain, status, std::move(userInfo)};
+}
+
+Error notJsonError(long status) {
+  return Error{kNetworkErrorDomain, static_cast<long>(NetworkErrorCode::notJson),
+               Json{{kErrorIsConnectionErrorKey, false},
+                    {kErrorStatusCodeKey, status},
+                    {kErrorLocalizedDescriptionKey, "The service's answer is not JSON"}}};
+}
+
+Error badURLError(const std::string& reason) {
+  return Error{kNetworkErrorDomain, static_cast<long>(NetworkErrorCode::badURL),
+               Json{{kErrorIsConnectionErrorKey, false}, {kErrorLocalizedDescriptionKey, reason}}};
+}
+
+std::optional<Json> decodeJsonBody(const std::string& body) {
+  if (body.empty()) return std::nullopt;
+  Json json = Json::parse(body, nullptr, /*allow_exceptions=*/false);
+  if (json.is_discarded()) return std::nullopt;
+  return json;
+}
+
+}  // namespace varnel::standalone

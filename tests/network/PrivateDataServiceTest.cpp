@@ -1,0 +1,291 @@
+// The stand-alone private data service against real loopback servers: how
+// answers become successes and errors, what each request carries, retries,
+// idempotency keys, routing headers, logging, TLS, timeouts and lifetime.
+
+#include <atomic>
+#include <condition_variable>
+#include <regex>
+
+#include "LoopbackServers.h"
+#include "NetworkTestSupport.h"
+#include "standalone/TemporaryDirectory.h"
+#include "varnel/host/Registry.h"
+#include "varnel/standalone/network/JsonEnvironment.h"
+#include "varnel/standalone/network/NetworkErrors.h"
+
+namespace varnel::testing {
+namespace {
+
+using standalone::HttpClientOptions;
+
+bool connectionErrorOf(const std::optional<Error>& error) {
+  return error && error->userInfo.value(kErrorIsConnectionErrorKey, false);
+}
+
+class PrivateDataServiceTest : public NetworkFixture {
+ protected:
+  void SetUp() override {
+    NetworkFixture::SetUp();
+    auto& http = server.server();
+    http.Get("/json", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.set_content(R"({"ok":true})", "application/json");
+    });
+    http.Get("/empty", [this](const httplib::Request&, httplib::Response& res) { ++hits, res.status = 204; });
+    http.Get("/text", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.set_content("hello", "text/plain");
+    });
+    http.Get("/booking", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.status = 500;
+      res.set_content(R"({"errors":[{"typeId":"PAYMENT_DECLINED"}]})", "application/json");
+    });
+    http.Get("/missing", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.status = 404;
+      res.set_content("not here", "text/plain");
+    });
+    auto record = [this](const httplib::Request& req, httplib::Response& res) {
+      std::lock_guard lock(mutex);
+      seen.push_back(req);
+      res.set_content(R"({"echo":true})", "application/json");
+    };
+    http.Get("/record", record);
+    http.Post("/record", record);
+    server.start();
+  }
+
+  ServiceAnswer get(const std::string& path, std::optional<Json> parameters = std::nullopt,
+                    HTTPHeaderFields headers = {}) {
+    return call([&](auto success, auto failure) {
+      service->getDataUsingPath(server.baseUrl() + path, parameters, headers, success, failure);
+    });
+  }
+  ServiceAnswer post(const std::string& url, const Json& body, HTTPHeaderFields headers = {}) {
+    return call([&](auto success, auto failure) { service->postDataUsingPath(url, body, headers, success, failure); });
+  }
+  httplib::Request lastSeen() {
+    std::lock_guard lock(mutex);
+    return seen.back();
+  }
+
+  ScriptedServer server;
+  std::atomic<int> hits{0};
+  std::mutex mutex;
+  std::vector<httplib::Request> seen;
+};
+
+TEST_F(PrivateDataServiceTest, AnswersBecomeSuccessesOrErrorsAndAreNeverRetried) {
+  struct Case {
+    std::string path;
+    bool succeeds;
+    std::optional<Json> value;
+    std::optional<long> statusCode;
+    bool hasJsonResponse;
+  };
+  const std::vector<Case> cases = {
+      {"/json", true, Json{{"ok", true}}, std::nullopt, false},
+      {"/empty", true, std::nullopt, std::nullopt, false},
+      {"/text", false, std::nullopt, 200, false},
+      {"/booking", false, std::nullopt, 500, true},
+      {"/missing", false, std::nullopt, 404, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.path);
+    hits = 0;
+    const ServiceAnswer answer = get(c.path);
+    EXPECT_EQ(answer.succeeded, c.succeeds);
+    EXPECT_EQ(answer.value, c.value);
+    EXPECT_EQ(hits.load(), 1);
+    if (c.succeeds) continue;
+    ASSERT_TRUE(answer.error);
+    EXPECT_FALSE(connectionErrorOf(answer.error));
+    EXPECT_EQ(answer.error->userInfo.value(kErrorStatusCodeKey, 0L), *c.statusCode);
+    EXPECT_EQ(answer.error->userInfo.contains(kErrorJsonResponseKey), c.hasJsonResponse);
+  }
+  const auto declined = get("/booking");
+  EXPECT_EQ(declined.error->userInfo[kErrorJsonResponseKey]["errors"][0]["typeId"], "PAYMENT_DECLINED");
+}
+
+TEST_F(PrivateDataServiceTest, RequestsCarryQueryDefaultsAuthorizationAndOverrides) {
+  ASSERT_TRUE(get("/record", Json{{"kuid", "a b&c"}, {"count", 2}}, {{"X-Test", "1"}, {"Accept", "text/json"}})
+                  .succeeded);
+  const httplib::Request getRequest = lastSeen();
+  EXPECT_EQ(getRequest.get_param_value("kuid"), "a b&c");
+  EXPECT_EQ(getRequest.get_param_value("count"), "2");
+  EXPECT_EQ(getRequest.get_header_value("Authorization"), "Bearer token-1");
+  EXPECT_EQ(getRequest.get_header_value("Accept"), "text/json");
+  EXPECT_EQ(getRequest.get_header_value("X-Test"), "1");
+  EXPECT_FALSE(getRequest.has_header("Idempotency-Key"));
+
+  const Json body{{"kuid", "guest-1"}, {"products", Json::array()}};
+  ASSERT_TRUE(post(server.baseUrl() + "/record", body).succeeded);
+  const httplib::Request postRequest = lastSeen();
+  EXPECT_EQ(Json::parse(postRequest.body), body);
+  EXPECT_EQ(postRequest.get_header_value("Content-Type"), "application/json");
+  EXPECT_EQ(postRequest.get_header_value("Authorization"), "Bearer token-1");
+  EXPECT_TRUE(std::regex_match(postRequest.get_header_value("Idempotency-Key"),
+                               std::regex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}")));
+  // Answered: the kept key is dropped, and the same write again gets a fresh one.
+  ASSERT_TRUE(post(server.baseUrl() + "/record", body).succeeded);
+  EXPECT_NE(lastSeen().get_header_value("Idempotency-Key"), postRequest.get_header_value("Idempotency-Key"));
+  for (const auto& [key, value] : defaults->dictionaryRepresentation()) {
+    EXPECT_FALSE(key.starts_with(standalone::IdempotencyKeys::kPendingWritePrefix)) << key;
+  }
+}
+
+TEST_F(PrivateDataServiceTest, EndpointKeysResolveThroughTheEnvironment) {
+  auto environment = standalone::JsonEnvironment::parse(
+      R"({"endpoints": {"records": "{server}/record?guest={kuid}"}})", server.baseUrl() + "/");
+  ASSERT_TRUE(environment.ok());
+  host::Registry::set<KTVREnvironment>(environment.value());
+  ASSERT_TRUE(call([&](auto success, auto failure) {
+                service->getDataUsingEndpoint("records", {{"kuid", "g%201"}}, std::nullopt, success, failure);
+              }).succeeded);
+  EXPECT_EQ(lastSeen().get_param_value("guest"), "g 1");
+
+  const ServiceAnswer unknown = call([&](auto success, auto failure) {
+    service->getDataUsingEndpoint("no-such-endpoint", {}, std::nullopt, success, failure);
+  });
+  ASSERT_TRUE(unknown.error);
+  EXPECT_EQ(unknown.error->code, static_cast<long>(standalone::NetworkErrorCode::badURL));
+  EXPECT_FALSE(connectionErrorOf(unknown.error));
+}
+
+TEST_F(PrivateDataServiceTest, TransportFailuresAreRetriedTwiceAndWritesKeepTheirKeyAcrossARestart) {
+  DroppingListener listener;
+  const ServiceAnswer dropped = call([&](auto success, auto failure) {
+    service->getDataUsingPath(listener.baseUrl() + "/accounts", std::nullopt, {}, success, failure);
+  });
+  EXPECT_TRUE(connectionErrorOf(dropped.error));
+  EXPECT_EQ(listener.requestHeads().size(), 3u);
+
+  const Json body{{"order", "o-1"}};
+  const ServiceAnswer lost = post(listener.baseUrl() + "/checkout", body);
+  EXPECT_TRUE(connectionErrorOf(lost.error));
+  auto heads = listener.requestHeads();
+  ASSERT_EQ(heads.size(), 6u);
+  std::smatch match;
+  ASSERT_TRUE(std::regex_search(heads[3], match, std::regex("Idempotency-Key: ([^\r\n]+)")));
+  const std::string key = match[1].str();
+  for (std::size_t i = 4; i < 6; ++i) EXPECT_NE(heads[i].find("Idempotency-Key: " + key), std::string::npos);
+
+  // A new process (a new client over the same settings store) sending the
+  // same write reuses the key that never got an answer.
+  makeService();
+  post(listener.baseUrl() + "/checkout", body);
+  heads = listener.requestHeads();
+  ASSERT_EQ(heads.size(), 9u);
+  EXPECT_NE(heads[6].find("Idempotency-Key: " + key), std::string::npos);
+}
+
+TEST_F(PrivateDataServiceTest, RoutingHeaderIsSentOnlyWhileRoutingIsOn) {
+  defaults->setObject(standalone::kServerErrorRoutingHeaderKey,
+                      DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("route-7")}});
+  for (bool on : {true, false}) {
+    defaults->setBool(standalone::kServerErrorRoutingUseFeatureKey, on);
+    ASSERT_TRUE(get("/record").succeeded);
+    EXPECT_EQ(lastSeen().get_header_value("X-Orvane-Internal-Mock-AP"), on ? "route-7" : "");
+  }
+}
+
+TEST_F(PrivateDataServiceTest, LogLinesCarryMethodHostPathAndStatusOnly) {
+  post(server.baseUrl() + "/record?secret=query", Json{{"cardNumber", "4111111111111111"}, {"cvv2", "737"}});
+  get("/record", Json{{"email", "guest@example.test"}});
+  const auto lines = log->messages();
+  const std::string target = "127.0.0.1:" + std::to_string(server.port()) + "/record";
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "POST " + target + " -> 200"), lines.end());
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "GET " + target + " -> 200"), lines.end());
+  for (const auto& line : lines) {
+    for (const char* secret : {"4111111111111111", "737", "token-1", "guest@example", "secret", "query"}) {
+      EXPECT_EQ(line.find(secret), std::string::npos) << line;
+    }
+  }
+}
+
+TEST_F(PrivateDataServiceTest, SlowAnswersTimeOutAsConnectionErrors) {
+  server.server().Get("/slow", [](const httplib::Request&, httplib::Response& res) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(800));
+    res.set_content("{}", "application/json");
+  });
+  HttpClientOptions options;
+  options.transport.totalTimeout = std::chrono::milliseconds(100);
+  options.retry.maxRetries = 0;
+  makeService(options);
+  EXPECT_TRUE(connectionErrorOf(get("/slow").error));
+}
+
+TEST_F(PrivateDataServiceTest, HundredSequentialRequestsShareOneConnection) {
+  for (int i = 0; i < 100; ++i) ASSERT_TRUE(get("/json").succeeded);
+  EXPECT_EQ(client->transport().connectionsOpened(), 1);
+}
+
+TEST_F(PrivateDataServiceTest, NoCallbackRunsOnceTheServiceIsDestroyed) {
+  std::mutex gateMutex;
+  std::condition_variable released;
+  bool release = false;
+  std::atomic<bool> arrived{false};
+  server.server().Get("/held", [&](const httplib::Request&, httplib::Response& res) {
+    arrived = true;
+    std::unique_lock lock(gateMutex);
+    released.wait(lock, [&] { return release; });
+    res.set_content("{}", "application/json");
+  });
+  std::atomic<int> callbacks{0};
+  service->getDataUsingPath(server.baseUrl() + "/held", std::nullopt, {}, [&](auto&) { ++callbacks; },
+                            [&](auto&) { ++callbacks; });
+  while (!arrived) std::this_thread::yield();
+  service.reset();
+  client.reset();
+  {
+    std::lock_guard lock(gateMutex);
+    release = true;
+  }
+  released.notify_all();
+  EXPECT_EQ(callbacks.load(), 0);
+
+  // Released from inside its own callback: the rest of that callback runs, nothing else.
+  makeService();
+  std::promise<void> done;
+  auto finished = done.get_future();
+  service->getDataUsingPath(
+      server.baseUrl() + "/json", std::nullopt, {},
+      [&](auto&) {
+        service.reset();
+        client.reset();
+        done.set_value();
+      },
+      [&](auto&) { done.set_value(); });
+  await(finished);
+  EXPECT_FALSE(service);
+}
+
+class TlsTest : public NetworkFixture {
+ protected:
+  TemporaryDirectory directory;
+};
+
+TEST_F(TlsTest, ASelfSignedServerIsRefusedUnlessItsCertificateIsTrusted) {
+  writeSelfSignedCertificate(directory.path);
+  ScriptedServer tls(directory.path / "cert.pem", directory.path / "key.pem");
+  tls.server().Get("/json", [](const httplib::Request&, httplib::Response& res) { res.set_content("{}", "application/json"); });
+  tls.start();
+  auto fetch = [&] {
+    return call([&](auto success, auto failure) {
+      service->getDataUsingPath(tls.baseUrl() + "/json", std::nullopt, {}, success, failure);
+    });
+  };
+  HttpClientOptions untrusted;
+  untrusted.retry.maxRetries = 0;
+  makeService(untrusted);
+  EXPECT_TRUE(connectionErrorOf(fetch().error));
+
+  HttpClientOptions trusted;
+  trusted.transport.extraCaFile = directory.path / "cert.pem";
+  makeService(trusted);
+  EXPECT_TRUE(fetch().succeeded);
+}
+
+}  // namespace
+}  // namespace varnel::testing
