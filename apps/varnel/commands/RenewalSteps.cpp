@@ -1,10 +1,17 @@
 #include "commands/RenewalSteps.h"
 
 #include "Command.h"
+#include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/services/CommerceRequests.h"
 #include "varnel/services/VNLCreateOrderParameters.h"
 
 namespace varnel::cli {
+
+std::optional<RenewableState> renewableState(const VNLEntitlement& entitlement) {
+  const auto* pass = dynamic_cast<const VNLEntitlementAnnualPass*>(&entitlement);
+  if (!pass) return std::nullopt;
+  return RenewableState(*pass);
+}
 
 std::shared_ptr<VNLEntitlement> findPass(const VNLVarnel& varnel, const std::string& productInstanceId) {
   std::string known;

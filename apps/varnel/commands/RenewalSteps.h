@@ -8,8 +8,12 @@
 
 #include "commands/CommerceSession.h"
 #include "varnel/entitlements/VNLEntitlement.h"
+#include "varnel/purchase/RenewableState.h"
 
 namespace varnel::cli {
+
+/// The renewal state of an annual pass; none for other entitlements.
+std::optional<RenewableState> renewableState(const VNLEntitlement& entitlement);
 
 /// The guest's entitlement with this product instance ID; a UsageError that
 /// lists the guest's passes when there is none.

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "Command.h"
+#include "commands/RenewalSteps.h"
 #include "commands/GuestSource.h"
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/platform/DefaultsValue.h"
@@ -14,13 +15,6 @@
 
 namespace varnel::cli {
 namespace {
-
-/// The renewal state of an annual pass; none for other entitlements.
-std::optional<RenewableState> renewableState(const VNLEntitlement& entitlement) {
-  const auto* pass = dynamic_cast<const VNLEntitlementAnnualPass*>(&entitlement);
-  if (!pass) return std::nullopt;
-  return RenewableState(*pass);
-}
 
 void listRenewals(const GuestOptions& options) {
   GuestSource guest(options);
