@@ -5,7 +5,7 @@
 
 JOBS ?= 2
 # The programs the main job runs; `make run` builds these and nothing else.
-RUN_TARGETS ?= varnel
+RUN_TARGETS ?= varnel varnel-mock-commerce
 
 bootstrap:
 	@scripts/bootstrap
@@ -18,8 +18,11 @@ build-tsan: bootstrap
 	cmake --preset tsan
 	cmake --build --preset tsan -j $(JOBS)
 
+# Everything under ASan and UBSan, then what runs on several threads under TSan.
 test: build
 	ctest --preset dev
+	$(MAKE) --no-print-directory build-tsan
+	ctest --preset tsan
 
 run: bootstrap
 	@cmake --preset run > /dev/null
