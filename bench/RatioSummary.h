@@ -3,7 +3,9 @@
 // iteration, so that a program can end with how its own code compares with
 // baselines measured in the same run. CPU time rather than wall time, so that
 // other work on the machine disturbs the ratios less; run with
-// --benchmark_repetitions=N to compare medians.
+// --benchmark_repetitions=N to compare medians. Programs whose work waits on
+// other threads or processes (a server's answer) compare wall time instead
+// (Clock::wall).
 
 #include <cstdio>
 #include <map>
@@ -16,46 +18,59 @@ namespace varnel::bench {
 
 class RatioSummary : public benchmark::ConsoleReporter {
  public:
+  /// CPU time of the benchmark's thread (or of the process, under
+  /// MeasureProcessCPUTime), or wall time.
+  enum class Clock { cpu, wall };
+
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
       if (run.error_occurred) continue;
-      const double time =
-          run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
+      const double unit = benchmark::GetTimeUnitMultiplier(run.time_unit);
+      const Times times{run.GetAdjustedCPUTime() / unit * 1e9, run.GetAdjustedRealTime() / unit * 1e9};
       if (run.run_type == Run::RT_Iteration) {
-        nanoseconds_[run.run_name.function_name] = time;
+        nanoseconds_[run.run_name.function_name] = times;
       } else if (run.aggregate_name == "median") {
-        medians_[run.run_name.function_name] = time;
+        medians_[run.run_name.function_name] = times;
       }
     }
   }
 
-  /// CPU nanoseconds per iteration of a benchmark (the median when it was
+  /// Nanoseconds per iteration of a benchmark (the median when it was
   /// repeated), or a negative value when it did not run.
-  double nanoseconds(const std::string& name) const {
-    if (const auto median = medians_.find(name); median != medians_.end()) return median->second;
-    const auto found = nanoseconds_.find(name);
-    return found == nanoseconds_.end() ? -1.0 : found->second;
+  double nanoseconds(const std::string& name, Clock clock = Clock::cpu) const {
+    const Times* times = nullptr;
+    if (const auto median = medians_.find(name); median != medians_.end()) {
+      times = &median->second;
+    } else if (const auto found = nanoseconds_.find(name); found != nanoseconds_.end()) {
+      times = &found->second;
+    }
+    if (!times) return -1.0;
+    return clock == Clock::cpu ? times->cpu : times->wall;
   }
 
   /// Prints numerator/denominator with the target it is held to.
   void printRatio(const std::string& numerator, const std::string& denominator,
-                  const char* target) const {
-    const double top = nanoseconds(numerator);
-    const double bottom = nanoseconds(denominator);
+                  const char* target, Clock clock = Clock::cpu) const {
+    const double top = nanoseconds(numerator, clock);
+    const double bottom = nanoseconds(denominator, clock);
     if (top <= 0 || bottom <= 0) return;
     std::printf("%-28s / %-28s = %8.2f   (target %s)\n", numerator.c_str(), denominator.c_str(),
                 top / bottom, target);
   }
 
-  void printTime(const std::string& name) const {
-    const double time = nanoseconds(name);
+  void printTime(const std::string& name, Clock clock = Clock::cpu) const {
+    const double time = nanoseconds(name, clock);
     if (time > 0) std::printf("%-28s %10.1f ns per call\n", name.c_str(), time);
   }
 
  private:
-  std::map<std::string, double> nanoseconds_;
-  std::map<std::string, double> medians_;
+  struct Times {
+    double cpu = 0;
+    double wall = 0;
+  };
+  std::map<std::string, Times> nanoseconds_;
+  std::map<std::string, Times> medians_;
 };
 
 /// Runs the registered benchmarks with `summary` as the console reporter.
