@@ -81,6 +81,7 @@ void CommerceOverHttpTest::start(standalone::GuestData guest, std::optional<std:
   serverLog_ = std::make_shared<ServerLog>();
   mock::MockCommerceOptions options;
   options.guest = household;
+  options.routeFaults = routeFaults;
   options.requestLog = [log = serverLog_](const std::string& line) {
     std::lock_guard lock(log->mutex);
     log->lines.push_back(line);

@@ -79,6 +79,8 @@ class CommerceOverHttpTest : public HostFixture {
   std::vector<std::string> logLinesStartingWith(std::string_view prefix) const;
 
   standalone::GuestData household;
+  /// Faults the next start() gives the mock, by routing-header value.
+  std::vector<mock::RouteFault> routeFaults;
   std::unique_ptr<mock::MockCommerceServer> server;
   standalone::StandaloneNetworking networking;
   KTVCParkResortContext park{kResortChoiceEast};
