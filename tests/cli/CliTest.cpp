@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,8 @@ struct Outcome {
 };
 
 // `arguments` may end in "<<< TEXT": TEXT (without single quotes) becomes standard input.
-Outcome varnel(const std::string& arguments) {
+// Standard error joins the output unless `stderrTo` sends it elsewhere.
+Outcome varnel(const std::string& arguments, const std::string& stderrTo = "&1") {
   std::string args = arguments, input;
   if (const auto at = args.find(" <<< "); at != std::string::npos) {
     input = args.substr(at + 5);
@@ -29,7 +31,7 @@ Outcome varnel(const std::string& arguments) {
   }
   const std::string command = "printf '%s' " + (input.empty() ? std::string("''") : input) +
                               " | VARNEL_RESOURCE_DIR=" + VARNEL_TEST_RESOURCE_DIR + " " + VARNEL_CLI_PATH + " " +
-                              args + " 2>&1";
+                              args + " 2>" + stderrTo;
   FILE* pipe = popen(command.c_str(), "r");
   if (!pipe) return {-1, ""};
   Outcome run{0, ""};
@@ -97,6 +99,125 @@ TEST(VarnelTool, RefusesBadInputWithStatusTwo) {
   }
   EXPECT_FALSE(std::filesystem::exists("/tmp/varnel-cli-unused.sqlite3"));
   std::filesystem::remove(garbage);
+}
+
+// The commerce commands against a mock commerce service started in process,
+// with a scratch settings store.
+class CommerceCommands : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    store = std::filesystem::temp_directory_path() /
+            ("varnel-cli-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + ".sqlite3");
+    std::filesystem::remove(store);
+  }
+  void TearDown() override { std::filesystem::remove(store); }
+
+  Outcome run(const std::string& arguments, const std::string& stderrTo = "&1") const {
+    return varnel(arguments + " --defaults " + store.string(), stderrTo);
+  }
+
+  std::filesystem::path store;
+};
+
+TEST_F(CommerceCommands, RenewTellsHowTheRenewalEnded) {
+  struct Row {
+    std::string arguments;
+    int status;
+    std::vector<std::string> expected;
+  };
+  const Row rows[] = {
+      {"renew --accept-terms", 0, {"Renewed.", "Confirmation number: ", "Amount charged:"}},
+      {"renew --plan monthly --accept-terms --sign-contract --cvv 123", 0,
+       {"Monthly-payment contract:", "Confirmation number: "}},
+      {"renew --card CARD-REF-0003 --accept-terms", 1,
+       {"stopped at step \"checkout\": PAYMENT_DECLINED", "Your card could not be processed"}},
+      {"renew --plan monthly --accept-terms", 1, {"stopped at step \"contract\": ContractNotSigned"}},
+      {"renew", 1, {"stopped at step \"checks\": NoTermsAndConditions"}},
+      {"renew --pass AP-100205 --accept-terms", 2, {"AP-100205"}},
+      {"renew --pass TK-300101 --accept-terms", 2, {"TK-300101"}},
+      {"renew --card CARD-REF-0999 --accept-terms", 2, {"CARD-REF-0999"}},
+  };
+  for (const auto& row : rows) {
+    const Outcome renewal = run(row.arguments);
+    EXPECT_EQ(renewal.status, row.status) << row.arguments << "\n" << renewal.output;
+    for (const auto& text : row.expected) {
+      EXPECT_NE(renewal.output.find(text), std::string::npos) << row.arguments << ": no \"" << text << "\"\n"
+                                                              << renewal.output;
+    }
+  }
+  // A confirmation number follows its label.
+  const Outcome renewed = run("renew --accept-terms");
+  const auto at = renewed.output.find("Confirmation number: ");
+  ASSERT_NE(at, std::string::npos);
+  EXPECT_NE(renewed.output.at(at + 21), '\n') << renewed.output;
+}
+
+TEST_F(CommerceCommands, RenewJsonIsOneObjectOnStdout) {
+  struct Row {
+    std::string arguments;
+    int status;
+    std::vector<std::string> members;
+  };
+  const Row rows[] = {
+      {"renew --accept-terms --json", 0, {"order", "confirmation"}},
+      {"renew --card CARD-REF-0003 --accept-terms --json", 1, {"step", "error"}},
+      {"renew --json", 1, {"step", "error"}},
+  };
+  for (const auto& row : rows) {
+    const Outcome renewal = run(row.arguments, "/dev/null");
+    EXPECT_EQ(renewal.status, row.status) << row.arguments;
+    const auto document = varnel::Json::parse(renewal.output, nullptr, false);
+    ASSERT_TRUE(document.is_object()) << row.arguments << "\n" << renewal.output;
+    for (const auto& member : row.members) EXPECT_TRUE(document.contains(member)) << row.arguments << ": " << member;
+  }
+  const auto declined = varnel::Json::parse(run("renew --card CARD-REF-0003 --accept-terms --json", "/dev/null").output,
+                                            nullptr, false);
+  EXPECT_EQ(declined.value("step", ""), "checkout");
+}
+
+TEST_F(CommerceCommands, CardNumbersAreShownMaskedOnly) {
+  std::ifstream file(std::string(VARNEL_TEST_RESOURCE_DIR) + "/guests/sample-guest.json");
+  const auto guest = varnel::Json::parse(file, nullptr, false);
+  ASSERT_TRUE(guest.contains("paymentAccounts"));
+  for (const char* arguments : {"accounts", "accounts --json", "renew --accept-terms --cvv 4242",
+                                "renew --card CARD-REF-0003 --accept-terms --json"}) {
+    const Outcome shown = run(arguments);
+    EXPECT_EQ(shown.output.find("4242"), std::string::npos) << arguments << ": the security code is shown";
+    for (const auto& account : guest["paymentAccounts"]) {
+      const std::string number = account["card"]["cardNumber"];
+      EXPECT_EQ(shown.output.find(number), std::string::npos) << arguments << ": " << number << " shown in full";
+    }
+  }
+  const Outcome listed = run("accounts");
+  EXPECT_EQ(listed.status, 0) << listed.output;
+  for (const char* reference : {"CARD-REF-0001", "CARD-REF-0002", "CARD-REF-0003"}) {
+    EXPECT_NE(listed.output.find(reference), std::string::npos) << listed.output;
+  }
+  EXPECT_NE(listed.output.find("1111"), std::string::npos) << "the last digits help the guest choose\n"
+                                                           << listed.output;
+}
+
+TEST_F(CommerceCommands, OrderCreateShowsTheOrder) {
+  struct Row {
+    std::string arguments;
+    int status;
+    std::string expected;
+  };
+  const Row rows[] = {
+      {"order create --pass AP-100201", 0, "709"},
+      {"order create --pass AP-100201 --plan monthly", 0, "49.75"},
+      {"order create --pass AP-999999", 2, "AP-999999"},
+      {"order create", 2, "--pass"},
+  };
+  for (const auto& row : rows) {
+    const Outcome created = run(row.arguments);
+    EXPECT_EQ(created.status, row.status) << row.arguments << "\n" << created.output;
+    EXPECT_NE(created.output.find(row.expected), std::string::npos) << row.arguments << "\n" << created.output;
+  }
+  const Outcome json = run("order create --pass AP-100201 --json", "/dev/null");
+  const auto order = varnel::Json::parse(json.output, nullptr, false);
+  ASSERT_TRUE(order.is_object()) << json.output;
+  EXPECT_FALSE(order.value("orderId", "").empty()) << json.output;
 }
 
 }  // namespace

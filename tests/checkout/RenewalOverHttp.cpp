@@ -1,0 +1,163 @@
+#include "checkout/RenewalOverHttp.h"
+
+#include <strings.h>
+
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <thread>
+
+#include "varnel/host/Registry.h"
+#include "varnel/services/CommerceRequests.h"
+#include "varnel/services/VNLCreateOrderParameters.h"
+#include "varnel/services/VNLParseCreateOrderResponse.h"
+#include "varnel/services/VNLParsePaymentAccounts.h"
+#include "varnel/standalone/StaticAuthenticationService.h"
+#include "varnel/standalone/network/JsonEnvironment.h"
+
+namespace varnel::testing {
+namespace {
+
+constexpr auto kPatience = std::chrono::minutes(1);
+
+}  // namespace
+
+void RenewalOverHttpTest::SetUp() {
+  HostFixture::SetUp();
+  resetOverriddenHeadersForTesting();
+  auto guest = standalone::readGuestDataFile(std::string(VARNEL_TEST_RESOURCE_DIR) + "/guests/sample-guest.json");
+  ASSERT_TRUE(guest.ok());
+  household = guest.value();
+  host::Registry::set<KTVRAuthenticationService>(
+      std::make_shared<standalone::StaticAuthenticationService>(household.kuid, household.email));
+  host::Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(household.email));
+  restart();
+}
+
+void RenewalOverHttpTest::TearDown() {
+  stop();
+  HostFixture::TearDown();
+}
+
+void RenewalOverHttpTest::stop() {
+  standalone::uninstallStandaloneNetworking();
+  networking = {};
+  if (server) server->stop();
+  server.reset();
+  resetOverriddenHeadersForTesting();
+}
+
+void RenewalOverHttpTest::restart() {
+  stop();
+  auto started = mock::MockCommerceServer::start({.guest = household, .faults = {}, .routes = {}, .routeFaults = {},
+                                                  .requestLog = {}});
+  ASSERT_TRUE(started.ok()) << localizedDescription(started.error());
+  server = std::move(started.value());
+  auto environment = standalone::JsonEnvironment::forServer(server->baseUrl());
+  ASSERT_TRUE(environment.ok());
+  // Quick retries and a short timeout: a fault never keeps a test waiting long.
+  standalone::HttpClientOptions options;
+  options.retry.initialBackoff = std::chrono::milliseconds(1);
+  options.retry.maxBackoff = std::chrono::milliseconds(4);
+  options.transport.connectTimeout = std::chrono::seconds(2);
+  options.transport.totalTimeout = std::chrono::seconds(2);
+  networking = standalone::installStandaloneNetworking(
+      environment.value(), [token = household.accessToken] { return token; }, std::move(options));
+}
+
+void RenewalOverHttpTest::settle() {
+  const auto giveUp = std::chrono::steady_clock::now() + kPatience;
+  while (networking.client->callsInFlight() != 0) {
+    if (std::chrono::steady_clock::now() > giveUp) {
+      ADD_FAILURE() << "requests still in flight after a minute";
+      return;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  // Failures the service reports without sending are posted to the worker.
+  auto flushed = std::make_shared<std::promise<void>>();
+  auto future = flushed->get_future();
+  networking.client->post([flushed] { flushed->set_value(); });
+  if (future.wait_for(kPatience) != std::future_status::ready) ADD_FAILURE() << "the worker did not answer";
+}
+
+std::optional<RenewalOverHttpTest::Answer> RenewalOverHttpTest::run(
+    const std::function<void(KTVRPrivateDataService&, KTVRSuccessBlock, KTVRFailureBlock)>& send) {
+  auto answer = std::make_shared<std::optional<Answer>>();
+  auto mutex = std::make_shared<std::mutex>();
+  send(
+      *KTVRPrivateDataService::sharedInstance(),
+      [answer, mutex](const std::optional<Json>& value) {
+        std::lock_guard lock(*mutex);
+        *answer = Answer{true, value, std::nullopt};
+      },
+      [answer, mutex](const std::optional<Error>& error) {
+        std::lock_guard lock(*mutex);
+        *answer = Answer{false, std::nullopt, error};
+      });
+  settle();
+  std::lock_guard lock(*mutex);
+  return *answer;
+}
+
+RenewalOrder RenewalOverHttpTest::placeOrder(bool monthlyPlan) {
+  const std::string kuid = household.kuid.value_or("");
+  const Json product{{"categoryId", "AnnualPassRenewal"},
+                     {"quantity", 1},
+                     {"entitlementId", kRenewablePass},
+                     {"guestIdType", "kuid"},
+                     {"guestId", kuid}};
+  const VNLCreateOrderParameters parameters(park, kuid, {product}, monthlyPlan);
+  const auto answer = run([&](auto& service, auto success, auto failure) {
+    createOrderRequest(service, parameters, success, failure);
+  });
+  EXPECT_TRUE(answer && answer->succeeded && answer->value) << "the mock refused the order";
+  if (!answer || !answer->value) return {};
+  RenewalOrder order = VNLParseCreateOrderResponse().parseCreateOrder(*answer->value);
+  order.paymentPlan = monthlyPlan;
+  return order;
+}
+
+PaymentAccount RenewalOverHttpTest::storedCard(const std::string& reference, const std::string& securityCode) {
+  const auto answer = run([](auto& service, auto success, auto failure) { profileAccounts(service, success, failure); });
+  EXPECT_TRUE(answer && answer->succeeded);
+  const auto accounts = VNLParsePaymentAccounts().parsePaymentAccounts(answer && answer->value ? *answer->value : Json());
+  for (const PaymentAccount& account : accounts) {
+    const CreditCard& card = account.creditCard();
+    if (card.retrievalReferenceNumber() != reference) continue;
+    return PaymentAccount(account.guestDetails(),
+                          CreditCard(card.isActive(), card.chargingPrivileges(), card.cardNumber(),
+                                     card.expirationDate(), card.expirationMonth(), card.expirationYear(),
+                                     card.paymentMethod(), card.paymentMethodType(), card.retrievalReferenceNumber(),
+                                     card.retrievalReferenceKey(), securityCode, card.isScanned()),
+                          account.cardHolderAddress());
+  }
+  ADD_FAILURE() << "no stored card " << reference;
+  return testAccount();
+}
+
+std::vector<Json> RenewalOverHttpTest::requestsTo(std::string_view endpoint) const {
+  std::vector<Json> requests;
+  for (const Json& entry : server->journal()) {
+    if (entry.value("endpoint", Json()) == endpoint) requests.push_back(entry);
+  }
+  return requests;
+}
+
+std::optional<std::string> headerOf(const Json& request, std::string_view name) {
+  const Json headers = request.value("headers", Json::object());
+  for (const auto& [key, value] : headers.items()) {
+    if (key.size() == name.size() && strncasecmp(key.c_str(), name.data(), name.size()) == 0 && value.is_string()) {
+      return value.get<std::string>();
+    }
+  }
+  return std::nullopt;
+}
+
+int RenewalOverHttpTest::chargesOf(const std::string& orderId) const {
+  const auto charges = server->charges();
+  const auto it = charges.find(orderId);
+  return it == charges.end() ? 0 : it->second;
+}
+
+}  // namespace varnel::testing
