@@ -73,7 +73,7 @@ void CurlPrivateDataService::send(HttpRequest request, KTVRSuccessBlock success,
       } else if (outcome.body.empty()) {
         if (success) success(std::nullopt);
       } else if (auto json = decodeJsonBody(outcome.body)) {
-        if (success) success(*json);
+        if (success) success(json);  // the optional itself: no copy of the document
       } else {
         if (failure) failure(notJsonError(*outcome.status));
       }

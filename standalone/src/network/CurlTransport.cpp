@@ -90,12 +90,18 @@ struct CurlTransport::State {
 
   // Worker-thread only.
   std::map<TransferId, std::unique_ptr<Transfer>> active;
+  // Easy handles of finished transfers, reset, for the next ones: a new handle
+  // allocates (and a cleaned-up one frees) its buffers on every request.
+  std::vector<CURL*> idle;
+  static constexpr std::size_t kIdleHandles = 8;
 
   void run();
   void startDueTransfers(Clock::time_point now);
   void start(std::unique_ptr<Transfer> transfer);
   void applyCancellations(std::vector<std::unique_ptr<Transfer>>& finished);
   void collectFinished(std::vector<std::unique_ptr<Transfer>>& finished);
+  /// Keeps the handle of a transfer that libcurl no longer drives.
+  void recycle(Transfer& transfer);
   int pollTimeoutMs(Clock::time_point now);
   void wake() {
     if (multi) curl_multi_wakeup(multi);
@@ -103,7 +109,13 @@ struct CurlTransport::State {
 };
 
 void CurlTransport::State::start(std::unique_ptr<Transfer> transfer) {
-  CURL* easy = curl_easy_init();
+  CURL* easy = nullptr;
+  if (idle.empty()) {
+    easy = curl_easy_init();
+  } else {
+    easy = idle.back();
+    idle.pop_back();
+  }
   transfer->easy = easy;
   const HttpRequest& request = transfer->request;
   curl_easy_setopt(easy, CURLOPT_URL, request.url.c_str());
@@ -210,6 +222,12 @@ void CurlTransport::State::collectFinished(std::vector<std::unique_ptr<Transfer>
   }
 }
 
+void CurlTransport::State::recycle(Transfer& transfer) {
+  if (!transfer.easy || idle.size() >= kIdleHandles) return;
+  curl_easy_reset(transfer.easy);  // every option back to its default, the connection pool untouched
+  idle.push_back(std::exchange(transfer.easy, nullptr));
+}
+
 int CurlTransport::State::pollTimeoutMs(Clock::time_point now) {
   auto timeout = std::chrono::milliseconds(1000);
   std::lock_guard lock(mutex);
@@ -241,6 +259,7 @@ void CurlTransport::State::run() {
       if (stopping) break;
       auto completion = std::move(transfer->completion);
       HttpOutcome outcome = std::move(transfer->outcome);
+      recycle(*transfer);
       transfer.reset();
       completion(std::move(outcome));
     }
@@ -253,6 +272,8 @@ void CurlTransport::State::run() {
   std::lock_guard lock(mutex);
   waiting.clear();
   tasks.clear();
+  for (CURL* easy : idle) curl_easy_cleanup(easy);
+  idle.clear();
   curl_multi_cleanup(multi);
   multi = nullptr;
 }
