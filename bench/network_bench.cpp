@@ -243,8 +243,8 @@ class BareClient {
 
 // One create-order request.
 
-void BM_CreateOrder_Module(benchmark::State& state) {
-  auto& service = *gLoopback->networking.service;
+/// Creates one order of the template pass per iteration through `service`.
+void createOrders(benchmark::State& state, KTVRPrivateDataService& service) {
   const auto parameters = orderParameters(gLoopback->kuid, kTemplatePass, true);
   for (auto _ : state) {
     auto order = await([&](KTVRSuccessBlock success, KTVRFailureBlock failure) {
@@ -255,6 +255,10 @@ void BM_CreateOrder_Module(benchmark::State& state) {
       break;
     }
   }
+}
+
+void BM_CreateOrder_Module(benchmark::State& state) {
+  createOrders(state, *gLoopback->networking.service);
 }
 
 /// As above, with the idempotency keys kept in a settings store on disk (as
@@ -272,16 +276,7 @@ void BM_CreateOrder_ModuleKeysOnDisk(benchmark::State& state) {
     options.settings = store.value();
     auto client = std::make_shared<standalone::HttpClient>(std::move(options));
     standalone::CurlPrivateDataService service(client, [] { return gLoopback->token; }, gLoopback->environment);
-    const auto parameters = orderParameters(gLoopback->kuid, kTemplatePass, true);
-    for (auto _ : state) {
-      auto order = await([&](KTVRSuccessBlock success, KTVRFailureBlock failure) {
-        createOrderRequest(service, parameters, std::move(success), std::move(failure));
-      });
-      if (orderId(order).empty()) {
-        state.SkipWithError("the order was not created");
-        break;
-      }
-    }
+    createOrders(state, service);
   }
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + suffix);
 }

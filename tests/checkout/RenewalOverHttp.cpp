@@ -7,13 +7,13 @@
 #include <mutex>
 #include <thread>
 
+#include "support/QuickNetworking.h"
 #include "varnel/host/Registry.h"
 #include "varnel/services/CommerceRequests.h"
 #include "varnel/services/VNLCreateOrderParameters.h"
 #include "varnel/services/VNLParseCreateOrderResponse.h"
 #include "varnel/services/VNLParsePaymentAccounts.h"
 #include "varnel/standalone/StaticAuthenticationService.h"
-#include "varnel/standalone/network/JsonEnvironment.h"
 
 namespace varnel::testing {
 namespace {
@@ -53,16 +53,7 @@ void RenewalOverHttpTest::restart() {
                                                   .requestLog = {}});
   ASSERT_TRUE(started.ok()) << localizedDescription(started.error());
   server = std::move(started.value());
-  auto environment = standalone::JsonEnvironment::forServer(server->baseUrl());
-  ASSERT_TRUE(environment.ok());
-  // Quick retries and a short timeout: a fault never keeps a test waiting long.
-  standalone::HttpClientOptions options;
-  options.retry.initialBackoff = std::chrono::milliseconds(1);
-  options.retry.maxBackoff = std::chrono::milliseconds(4);
-  options.transport.connectTimeout = std::chrono::seconds(2);
-  options.transport.totalTimeout = std::chrono::seconds(2);
-  networking = standalone::installStandaloneNetworking(
-      environment.value(), [token = household.accessToken] { return token; }, std::move(options));
+  networking = installQuickNetworking(server->baseUrl(), household.accessToken);
 }
 
 void RenewalOverHttpTest::settle() {

@@ -1,4 +1,5 @@
 #include "commerce/CommerceOverHttpSupport.h"
+#include "support/QuickNetworking.h"
 
 #include <strings.h>
 
@@ -11,7 +12,6 @@
 #include "varnel/host/Registry.h"
 #include "varnel/services/CommerceRequests.h"
 #include "varnel/standalone/StaticAuthenticationService.h"
-#include "varnel/standalone/network/JsonEnvironment.h"
 
 namespace varnel::testing {
 namespace {
@@ -32,24 +32,6 @@ bool waitFor(const std::function<bool()>& done) {
 }
 
 }  // namespace
-
-standalone::GuestData sampleGuest() {
-  auto guest = standalone::readGuestDataFile(std::string(VARNEL_TEST_RESOURCE_DIR) + "/guests/sample-guest.json");
-  EXPECT_TRUE(guest.ok());
-  return guest ? guest.value() : standalone::GuestData{};
-}
-
-Json paymentBody(const std::string& amount) {
-  Json card{{"cardSubType", "VISA"}, {"cardholderName", "Rowan Ashby"}, {"cvv2", "418"},
-            {"id", "CARD-REF-0001"}, {"key", "7d1e0c"},                 {"paymentCardScan", false}};
-  return Json{{"payments", Json::array({Json{{"paymentReference", card},
-                                             {"billingPhone", {{"type", "MOBILE"}, {"number", "999-555-0188"}}},
-                                             {"amount", amount},
-                                             {"currency", "USD"},
-                                             {"billingEmail", "rowan.ashby@example.test"}}})},
-              {"confirmationEmails", Json::array({Json{{"email", "rowan.ashby@example.test"}}})},
-              {"bookingTermsAndConditions", "terms"}};
-}
 
 struct CommerceOverHttpTest::ServerLog {
   mutable std::mutex mutex;
@@ -92,16 +74,7 @@ void CommerceOverHttpTest::start(standalone::GuestData guest, std::optional<std:
 
   host::Registry::set<KTVRAuthenticationService>(
       std::make_shared<standalone::StaticAuthenticationService>(signedIn, household.email));
-  auto environment = standalone::JsonEnvironment::forServer(server->baseUrl());
-  ASSERT_TRUE(environment.ok());
-  // Quick retries and a short timeout: a fault never keeps a test waiting long.
-  standalone::HttpClientOptions network;
-  network.retry.initialBackoff = std::chrono::milliseconds(1);
-  network.retry.maxBackoff = std::chrono::milliseconds(4);
-  network.transport.connectTimeout = std::chrono::seconds(2);
-  network.transport.totalTimeout = std::chrono::seconds(2);
-  networking = standalone::installStandaloneNetworking(
-      environment.value(), [token = household.accessToken] { return token; }, std::move(network));
+  networking = installQuickNetworking(server->baseUrl(), household.accessToken);
 }
 
 void CommerceOverHttpTest::stop() {

@@ -13,6 +13,7 @@
 
 #include "support/Fakes.h"
 #include "varnel/host/KTVCParkResortContext.h"
+#include "mockcommerce/MockCommerceTestSupport.h"
 #include "varnel/mock/MockCommerceServer.h"
 #include "varnel/services/VNLCreateOrderParameters.h"
 #include "varnel/standalone/GuestDataFile.h"
@@ -35,12 +36,11 @@ struct Outcome {
   bool silent() const { return successes == 0 && failures == 0; }
 };
 
-/// The sample guest file of the module's resources.
-standalone::GuestData sampleGuest();
-
-/// The body that pays `amount` with the sample guest's first stored card
-/// (checkout and contract alike).
-Json paymentBody(const std::string& amount);
+// The sample guest file, and the body that pays an amount with its first
+// stored card (checkout and contract alike), as the mock server's own tests
+// use them.
+using mock::testing::checkoutBody;
+using mock::testing::sampleGuest;
 
 class CommerceOverHttpTest : public HostFixture {
  protected:
@@ -57,8 +57,8 @@ class CommerceOverHttpTest : public HostFixture {
   Outcome createOrder(const VNLCreateOrderParameters& parameters);
   /// An order for the sample pass, made by the signed-in household guest.
   Outcome createOrder(bool monthlyPlan = true);
-  Outcome contract(const std::string& orderId, const Json& body = paymentBody("0"));
-  Outcome checkout(const std::string& orderId, const Json& body = paymentBody("0"));
+  Outcome contract(const std::string& orderId, const Json& body = checkoutBody("0"));
+  Outcome checkout(const std::string& orderId, const Json& body = checkoutBody("0"));
 
   /// Creates a monthly-plan order for the sample pass and gives its id
   /// (empty, with a test failure, when the mock refuses).
