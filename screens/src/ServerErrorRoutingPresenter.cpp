@@ -11,7 +11,7 @@
 namespace varnel {
 namespace {
 
-constexpr const char* kSourceFile = "Classes/Debug/ServerErrorRoutingDebugViewController";
+constexpr const char* kRoutingSource = "Classes/Debug/ServerErrorRoutingDebugViewController";
 
 std::mutex addressMutex;
 std::string& address() {
@@ -81,7 +81,7 @@ std::string ServerErrorRoutingPresenter::lookupURL(std::string_view userName) co
 void ServerErrorRoutingPresenter::fetchData(const std::string& userName) {
   if (serverAddress_.empty() || !session_ || !mainQueue_) {
     KTVCPrintUtility::debugPrint("No mock server is set for server-error routing",
-                                 LogSite{kSourceFile, "fetchData(userName:)", __LINE__});
+                                 LogSite{kRoutingSource, "fetchData(userName:)", __LINE__});
     return;
   }
   URLRequest request;
@@ -113,7 +113,7 @@ std::optional<ServerErrorRoutingAnswer> ServerErrorRoutingPresenter::parseJSONSt
   const std::string* endpoint = parsed.is_object() ? fieldValue(parsed, "field_endpoint") : nullptr;
   const std::string* header = parsed.is_object() ? fieldValue(parsed, "field_simulator_header") : nullptr;
   if (!endpoint || !header) {
-    KTVCPrintUtility::debugPrint("Failed to parse JSON", LogSite{kSourceFile, "parseJSONString(json:)", __LINE__});
+    KTVCPrintUtility::debugPrint("Failed to parse JSON", LogSite{kRoutingSource, "parseJSONString(json:)", __LINE__});
     return std::nullopt;
   }
   return ServerErrorRoutingAnswer{*endpoint, *header};

@@ -13,7 +13,7 @@ using Keys = VNLBusinessRequirementsKeys;
 using Util = VNLBusinessRequirementUtil;
 using Switch = VNLBusinessRequirementSwitch;
 
-constexpr const char* kSourceFile = "Classes/BusinessRequirement/VNLBusinessRequirementTableViewController";
+constexpr const char* kRequirementsSource = "Classes/BusinessRequirement/VNLBusinessRequirementTableViewController";
 
 constexpr std::size_t index(Switch requirement) { return static_cast<std::size_t>(requirement); }
 
@@ -57,7 +57,7 @@ VNLSwitchState& VNLBusinessRequirementPresenter::state(Switch requirement) { ret
 
 void VNLBusinessRequirementPresenter::viewWillAppear() {
   if (!parkContext_) {
-    KTVCPrintUtility::debugPrint("Park context is nil!", LogSite{kSourceFile, "viewWillAppear(_:)", __LINE__});
+    KTVCPrintUtility::debugPrint("Park context is nil!", LogSite{kRequirementsSource, "viewWillAppear(_:)", __LINE__});
     return;
   }
   makeMachine();
@@ -83,7 +83,7 @@ void VNLBusinessRequirementPresenter::switchBusinessRequirement(Switch requireme
   }
   if (!parkContext_) {
     KTVCPrintUtility::debugPrint("Park context is nil!",
-                                 LogSite{kSourceFile, "switchBusinessRequirement(_:)", __LINE__});
+                                 LogSite{kRequirementsSource, "switchBusinessRequirement(_:)", __LINE__});
     return;
   }
   const auto& context = *parkContext_;

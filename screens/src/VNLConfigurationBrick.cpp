@@ -13,7 +13,7 @@
 namespace varnel {
 namespace {
 
-constexpr const char* kSourceFile = "Classes/Bricks/VNLConfigurationBrick";
+constexpr const char* kBrickSource = "Classes/Bricks/VNLConfigurationBrick";
 
 std::optional<PLNTBundle> moduleBundle() {
   const auto name = VNLVarnel::Constants::varnelBundleName;
@@ -25,7 +25,7 @@ std::optional<PLNTBundle> moduleBundle() {
 
 std::unique_ptr<PLNTViewController> VNLConfigurationBrick::configurationViewController(
     const PLNTInvocation& invocation) {
-  const LogSite site{kSourceFile, "configurationViewController(_:)", __LINE__};
+  const LogSite site{kBrickSource, "configurationViewController(_:)", __LINE__};
   try {
     const auto bundle = moduleBundle();
     if (!bundle) {

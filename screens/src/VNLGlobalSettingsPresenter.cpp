@@ -6,7 +6,7 @@
 namespace varnel {
 namespace {
 
-constexpr const char* kSourceFile = "Classes/Bricks/VNLGlobalSettingsTableViewController";
+constexpr const char* kPresetsSource = "Classes/Bricks/VNLGlobalSettingsTableViewController";
 
 bool presetValue(const VNLUserDefaultSettings& preset, std::string_view key) {
   for (const auto& setting : preset) {
@@ -35,7 +35,7 @@ void VNLGlobalSettingsPresenter::didSelect(VNLConfiguration configuration) { _di
 
 void VNLGlobalSettingsPresenter::_didChangeSelection(VNLConfiguration configuration) {
   KTVCPrintUtility::debugPrint("Will configure for \"" + std::string(rawValue(configuration)) + "\"",
-                               LogSite{kSourceFile, "_didChangeSelection(to:)", __LINE__});
+                               LogSite{kPresetsSource, "_didChangeSelection(to:)", __LINE__});
   VNLCommerceSettings::setDefaultsFor(configuration);
   currentConfiguration_ = configuration;
 }

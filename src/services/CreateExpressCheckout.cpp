@@ -9,9 +9,9 @@
 namespace varnel {
 namespace {
 
-constexpr std::string_view kSourceFile =
+constexpr std::string_view kCheckoutSource =
     "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+ExpressCheckout";
-constexpr std::string_view kFunction = "createExpressCheckout(orderId:parametersDictionary:success:failure:)";
+constexpr std::string_view kCheckoutFunction = "createExpressCheckout(orderId:parametersDictionary:success:failure:)";
 
 }  // namespace
 
@@ -21,7 +21,7 @@ void createExpressCheckout(KTVRPrivateDataService& service, const std::string& o
   const bool env2 = switchIsOn(VNLVarnel::Constants::varnelEnv2HeaderKey);
   const bool pendingOrder = switchIsOn(VNLVarnel::Constants::VarnelPendingOrderHeaderKey);
   if (!signedInKuid()) {
-    KTVCPrintUtility::debugPrint(kLoginFirstMessage, requestSite(kSourceFile, kFunction));
+    KTVCPrintUtility::debugPrint(kLoginFirstMessage, requestSite(kCheckoutSource, kCheckoutFunction));
     return;
   }
 
@@ -41,7 +41,7 @@ void createExpressCheckout(KTVRPrivateDataService& service, const std::string& o
       [failure = std::move(failure)](const std::optional<Error>& error) {
         std::optional<std::string> description;
         if (error) description = localizedDescription(*error);
-        KTVCPrintUtility::debugPrint("An Error Occurred" + describe(description), requestSite(kSourceFile, kFunction));
+        KTVCPrintUtility::debugPrint("An Error Occurred" + describe(description), requestSite(kCheckoutSource, kCheckoutFunction));
         failWithBookingError(failure, error);
       });
 }

@@ -9,8 +9,8 @@
 namespace varnel {
 namespace {
 
-constexpr std::string_view kSourceFile = "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+CreateOrder";
-constexpr std::string_view kFunction = "createOrderRequest(parametersStruct:success:failure:)";
+constexpr std::string_view kCreateOrderSource = "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+CreateOrder";
+constexpr std::string_view kCreateOrderFunction = "createOrderRequest(parametersStruct:success:failure:)";
 
 }  // namespace
 
@@ -32,7 +32,7 @@ void createOrderRequest(KTVRPrivateDataService& service, const VNLCreateOrderPar
         if (success && result && result->is_object()) success(result);
       },
       [failure = std::move(failure)](const std::optional<Error>& error) {
-        KTVCPrintUtility::debugPrint("Sorry, Service Failed!", requestSite(kSourceFile, kFunction));
+        KTVCPrintUtility::debugPrint("Sorry, Service Failed!", requestSite(kCreateOrderSource, kCreateOrderFunction));
         failWithBookingError(failure, error);
       });
 }

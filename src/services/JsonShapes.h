@@ -41,4 +41,7 @@ inline LogSite parserSite(std::string_view file, std::string_view function,
   return LogSite{std::string(file), std::string(function), static_cast<int>(location.line())};
 }
 
+/// The module file of the create-order parser, whose groups live in two files.
+inline constexpr std::string_view kCreateOrderParserFile = "Classes/Parser/VNLParseCreateOrderResponse";
+
 }  // namespace varnel::services_detail

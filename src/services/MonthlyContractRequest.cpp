@@ -10,8 +10,8 @@
 namespace varnel {
 namespace {
 
-constexpr std::string_view kSourceFile = "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+Contract";
-constexpr std::string_view kFunction = "monthlyContractRequest(orderId:parameters:successResponse:failureResponse:)";
+constexpr std::string_view kContractSource = "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+Contract";
+constexpr std::string_view kContractFunction = "monthlyContractRequest(orderId:parameters:successResponse:failureResponse:)";
 
 /// The body as JSON text; none when it cannot be written (text that is not UTF-8).
 std::optional<std::string> serialised(const Json& parameters) {
@@ -27,14 +27,14 @@ void complete(const KTVRSuccessBlock& successResponse, const KTVRFailureBlock& f
               const std::optional<Error>& error) {
   using services_detail::requestSite;
   if (!data || error) {
-    KTVCPrintUtility::debugPrint("error=" + describe(error), requestSite(kSourceFile, kFunction));
+    KTVCPrintUtility::debugPrint("error=" + describe(error), requestSite(kContractSource, kContractFunction));
     if (failureResponse) failureResponse(error);
     return;
   }
   if (response && response->isHTTPResponse() && *response->statusCode != 200) {
     KTVCPrintUtility::debugPrint("statusCode should be 200, but is " + std::to_string(*response->statusCode),
-                                 requestSite(kSourceFile, kFunction));
-    KTVCPrintUtility::debugPrint("response = " + describe(response), requestSite(kSourceFile, kFunction));
+                                 requestSite(kContractSource, kContractFunction));
+    KTVCPrintUtility::debugPrint("response = " + describe(response), requestSite(kContractSource, kContractFunction));
     // Deliberately no error: callers take a missing error for a failure too.
     if (failureResponse) failureResponse(std::nullopt);
     return;

@@ -10,8 +10,8 @@
 namespace varnel {
 namespace {
 
-constexpr std::string_view kSourceFile = "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+ProfileAccounts";
-constexpr std::string_view kFunction = "profileAccounts(success:failure:)";
+constexpr std::string_view kAccountsSource = "Classes/PrivateDataServiceExtensions/KTVRPrivateDataService+ProfileAccounts";
+constexpr std::string_view kAccountsFunction = "profileAccounts(success:failure:)";
 constexpr std::string_view kEndpointKey = "get-payment-accounts";
 
 }  // namespace
@@ -20,7 +20,7 @@ void profileAccounts(KTVRPrivateDataService& service, KTVRSuccessBlock success, 
   using namespace services_detail;
   const std::optional<std::string> kuid = signedInKuid();
   if (!kuid) {
-    KTVCPrintUtility::debugPrint(kLoginFirstMessage, requestSite(kSourceFile, kFunction));
+    KTVCPrintUtility::debugPrint(kLoginFirstMessage, requestSite(kAccountsSource, kAccountsFunction));
     return;
   }
   const std::string encodedKuid = percentEncodedForURLHost(*kuid);

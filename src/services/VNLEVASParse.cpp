@@ -10,7 +10,7 @@
 namespace varnel {
 namespace {
 
-constexpr std::string_view kSourceFile = "Classes/VNKEVASParse";
+constexpr std::string_view kEVASSource = "Classes/VNKEVASParse";
 
 /// The resource's bytes; none when it is missing or cannot be read.
 std::optional<std::string> resourceContent(std::string_view name) {
@@ -33,7 +33,7 @@ Json VNLEVASParse::dataFromJsonFile(std::string_view fileName) {
   Json decoded = Json::parse(*content, nullptr, /*allow_exceptions=*/false);
   if (decoded.is_discarded()) {
     KTVCPrintUtility::debugPrint("Failed to load json file",
-                                 LogSite{std::string(kSourceFile), "dataFromJsonFile(fileName:)", __LINE__});
+                                 LogSite{std::string(kEVASSource), "dataFromJsonFile(fileName:)", __LINE__});
     return Json::object();
   }
   return decoded;

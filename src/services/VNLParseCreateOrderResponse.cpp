@@ -14,8 +14,6 @@ using namespace services_detail;
 
 namespace {
 
-constexpr std::string_view kParserFile = "Classes/Parser/VNLParseCreateOrderResponse";
-
 // The order identifier: last path component of links → self → href.
 std::string orderIdentifier(const Json& result) {
   const Json* links = objectMember(result, Key::links);
@@ -76,7 +74,7 @@ RenewalOrder VNLParseCreateOrderResponse::parseCreateOrder(const Json& result) c
     order.termsAndConditionsPolicies = termsAndConditionsPolicies(*termsAndConditions);
   } else {
     KTVCPrintUtility::debugPrint("WARNING: Could not retrieve terms & conditions policies",
-                                 parserSite(kParserFile, "parseCreateOrder(result:)"));
+                                 parserSite(kCreateOrderParserFile, "parseCreateOrder(result:)"));
   }
   // Every parsed order counts as a monthly plan; the amounts tell the kind.
   order.paymentPlan = true;

@@ -10,17 +10,13 @@ namespace varnel {
 using Key = CreateOrderResponseKey;
 using namespace services_detail;
 
-namespace {
-constexpr std::string_view kParserFile = "Classes/Parser/VNLParseCreateOrderResponse";
-}
-
 std::vector<VNLRenewalTermsAndConditionsPolicy> VNLParseCreateOrderResponse::termsAndConditionsPolicies(
     const Json& termsAndConditions) const {
   constexpr std::string_view function = "termsAndConditionsPolicies(_:)";
   const Json* policies = objectArrayMember(termsAndConditions, Key::policies);
   if (!policies) {
     KTVCPrintUtility::debugPrint("No terms & conditions policies found in renewal order",
-                                 parserSite(kParserFile, function));
+                                 parserSite(kCreateOrderParserFile, function));
     return {};
   }
   std::vector<VNLRenewalTermsAndConditionsPolicy> result;
@@ -32,7 +28,7 @@ std::vector<VNLRenewalTermsAndConditionsPolicy> VNLParseCreateOrderResponse::ter
     auto descriptions = name ? descriptionsFromPolicy(policy) : std::nullopt;
     if (!descriptions) {
       KTVCPrintUtility::debugPrint("Unable to parse renewal order terms and conditions",
-                                   parserSite(kParserFile, function));
+                                   parserSite(kCreateOrderParserFile, function));
       continue;
     }
     result.push_back(VNLRenewalTermsAndConditionsPolicy{*id, *name, std::move(*descriptions)});
@@ -46,7 +42,7 @@ std::optional<std::vector<VNLRenewalPolicyDescription>> VNLParseCreateOrderRespo
   const Json* descriptions = objectArrayMember(policy, Key::descriptions);
   if (!descriptions) {
     KTVCPrintUtility::debugPrint("No htmltex found in terms & conditions policies for a renewal order",
-                                 parserSite(kParserFile, function));
+                                 parserSite(kCreateOrderParserFile, function));
     return std::nullopt;
   }
   std::vector<VNLRenewalPolicyDescription> result;
@@ -55,7 +51,7 @@ std::optional<std::vector<VNLRenewalPolicyDescription>> VNLParseCreateOrderRespo
     const std::string* key = jsonString(description, Key::key);
     const std::string* text = jsonString(description, Key::text);
     if (!id || !key || !text) {
-      KTVCPrintUtility::debugPrint("Unable to parse terms & condition text", parserSite(kParserFile, function));
+      KTVCPrintUtility::debugPrint("Unable to parse terms & condition text", parserSite(kCreateOrderParserFile, function));
       continue;
     }
     result.push_back(VNLRenewalPolicyDescription{*id, *key, *text});

@@ -15,11 +15,11 @@ using namespace services_detail;
 
 namespace {
 
-constexpr std::string_view kParserFile = "Classes/Parser/VNLParseUpdateSubmitResponse";
+constexpr std::string_view kUpdateSubmitParserFile = "Classes/Parser/VNLParseUpdateSubmitResponse";
 
 void log(std::string_view message, std::string_view function,
          std::source_location location = std::source_location::current()) {
-  KTVCPrintUtility::debugPrint(message, parserSite(kParserFile, function, location));
+  KTVCPrintUtility::debugPrint(message, parserSite(kUpdateSubmitParserFile, function, location));
 }
 
 }  // namespace

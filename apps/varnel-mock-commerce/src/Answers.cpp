@@ -8,11 +8,6 @@ constexpr const char* kBookingTerms =
     "Renewed passes are non-transferable and non-refundable. The renewal starts the day after the current pass "
     "expires.";
 
-std::string memberText(const Json& object, std::string_view key) {
-  const std::string* text = jsonString(object, key);
-  return text ? *text : "";
-}
-
 Json money(const char* key, Cents cents, const std::string& currency) {
   return Json{{key, formatAmount(cents)}, {"currency", currency}};
 }

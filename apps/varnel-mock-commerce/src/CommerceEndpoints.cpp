@@ -26,11 +26,6 @@ bool oneOf(const std::string* text, const std::string_view (&allowed)[N]) {
   return false;
 }
 
-std::string memberText(const Json& object, std::string_view key) {
-  const std::string* text = jsonString(object, key);
-  return text ? *text : "";
-}
-
 // Whether the card's expiration month has passed (a card without a readable
 // date is taken as valid).
 bool expired(const Json& card) {

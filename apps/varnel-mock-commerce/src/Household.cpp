@@ -8,11 +8,6 @@ namespace {
 
 std::string textOf(const std::optional<std::string>& text) { return text.value_or(""); }
 
-std::string memberText(const Json& object, std::string_view key) {
-  const std::string* text = jsonString(object, key);
-  return text ? *text : "";
-}
-
 // The code of a {"name": ..., "code": ...} member, or a plain text member.
 std::string codeOf(const Json& object, std::string_view key) {
   const Json* member = jsonMember(object, key);
@@ -21,6 +16,11 @@ std::string codeOf(const Json& object, std::string_view key) {
 }
 
 }  // namespace
+
+std::string memberText(const Json& object, std::string_view key) {
+  const std::string* text = jsonString(object, key);
+  return text ? *text : "";
+}
 
 Cents centsOf(double amount) { return std::llround(amount * 100.0); }
 

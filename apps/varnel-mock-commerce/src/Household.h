@@ -19,6 +19,8 @@ using Cents = long long;
 Cents centsOf(double amount);
 /// "79", "79.5" or "79.00"; none for anything else.
 std::optional<Cents> parseAmount(std::string_view text);
+/// The text member `key` of `object`; empty when absent or not text.
+std::string memberText(const Json& object, std::string_view key);
 std::string formatAmount(Cents cents);
 
 struct HouseholdGuest {

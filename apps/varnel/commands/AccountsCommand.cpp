@@ -47,7 +47,7 @@ void registerAccountsCommand(CLI::App& app) {
   });
 }
 
-const CommandRegistration registration{"accounts", &registerAccountsCommand};
+const CommandRegistration accountsRegistration{"accounts", &registerAccountsCommand};
 
 }  // namespace
 }  // namespace varnel::cli

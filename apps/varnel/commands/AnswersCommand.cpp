@@ -78,7 +78,7 @@ void registerAnswersCommand(CLI::App& app) {
   });
 }
 
-const CommandRegistration registration{"answers", &registerAnswersCommand};
+const CommandRegistration answersRegistration{"answers", &registerAnswersCommand};
 
 }  // namespace
 }  // namespace varnel::cli

@@ -25,7 +25,7 @@ void registerCardsCommand(CLI::App& app) {
   });
 }
 
-const CommandRegistration registration{"cards", &registerCardsCommand};
+const CommandRegistration cardsRegistration{"cards", &registerCardsCommand};
 
 }  // namespace
 }  // namespace varnel::cli

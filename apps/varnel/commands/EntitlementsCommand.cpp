@@ -30,7 +30,7 @@ void registerEntitlementsCommand(CLI::App& app) {
   command->callback([options] { listEntitlements(*options); });
 }
 
-const CommandRegistration registration{"entitlements", &registerEntitlementsCommand};
+const CommandRegistration entitlementsRegistration{"entitlements", &registerEntitlementsCommand};
 
 }  // namespace
 }  // namespace varnel::cli

@@ -112,7 +112,7 @@ void registerErrorsCommand(CLI::App& app) {
   listCommand->callback([listOptions] { list(*listOptions); });
 }
 
-const CommandRegistration registration{"errors", &registerErrorsCommand};
+const CommandRegistration errorsRegistration{"errors", &registerErrorsCommand};
 
 }  // namespace
 }  // namespace varnel::cli

@@ -52,7 +52,7 @@ void registerOrderCommand(CLI::App& app) {
   });
 }
 
-const CommandRegistration registration{"order", &registerOrderCommand};
+const CommandRegistration orderRegistration{"order", &registerOrderCommand};
 
 }  // namespace
 }  // namespace varnel::cli

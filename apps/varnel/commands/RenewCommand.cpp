@@ -39,7 +39,7 @@ void registerRenewCommand(CLI::App& app) {
   });
 }
 
-const CommandRegistration registration{"renew", &registerRenewCommand};
+const CommandRegistration renewRegistration{"renew", &registerRenewCommand};
 
 }  // namespace
 }  // namespace varnel::cli

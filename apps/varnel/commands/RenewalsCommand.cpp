@@ -53,7 +53,7 @@ void registerRenewalsCommand(CLI::App& app) {
   command->callback([options] { listRenewals(*options); });
 }
 
-const CommandRegistration registration{"renewals", &registerRenewalsCommand};
+const CommandRegistration renewalsRegistration{"renewals", &registerRenewalsCommand};
 
 }  // namespace
 }  // namespace varnel::cli

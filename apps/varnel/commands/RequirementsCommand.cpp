@@ -167,7 +167,7 @@ void registerRequirementsCommand(CLI::App& app) {
   command->callback([options] { run(*options); });
 }
 
-const CommandRegistration registration{"requirements", &registerRequirementsCommand};
+const CommandRegistration requirementsRegistration{"requirements", &registerRequirementsCommand};
 
 }  // namespace
 }  // namespace varnel::cli

@@ -251,7 +251,7 @@ void registerSettingsCommand(CLI::App& app) {
           "Print the configuration with the settings it was read from");
 }
 
-const CommandRegistration registration{"settings", &registerSettingsCommand};
+const CommandRegistration settingsRegistration{"settings", &registerSettingsCommand};
 
 }  // namespace
 }  // namespace varnel::cli
