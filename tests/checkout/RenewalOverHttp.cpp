@@ -1,11 +1,6 @@
 #include "checkout/RenewalOverHttp.h"
 
-#include <strings.h>
-
-#include <chrono>
-#include <future>
 #include <mutex>
-#include <thread>
 
 #include "support/QuickNetworking.h"
 #include "varnel/host/Registry.h"
@@ -16,18 +11,11 @@
 #include "varnel/standalone/StaticAuthenticationService.h"
 
 namespace varnel::testing {
-namespace {
-
-constexpr auto kPatience = std::chrono::minutes(1);
-
-}  // namespace
 
 void RenewalOverHttpTest::SetUp() {
   HostFixture::SetUp();
   resetOverriddenHeadersForTesting();
-  auto guest = standalone::readGuestDataFile(std::string(VARNEL_TEST_RESOURCE_DIR) + "/guests/sample-guest.json");
-  ASSERT_TRUE(guest.ok());
-  household = guest.value();
+  household = mock::testing::sampleGuest();
   host::Registry::set<KTVRAuthenticationService>(
       std::make_shared<standalone::StaticAuthenticationService>(household.kuid, household.email));
   host::Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(household.email));
@@ -57,19 +45,7 @@ void RenewalOverHttpTest::restart() {
 }
 
 void RenewalOverHttpTest::settle() {
-  const auto giveUp = std::chrono::steady_clock::now() + kPatience;
-  while (networking.client->callsInFlight() != 0) {
-    if (std::chrono::steady_clock::now() > giveUp) {
-      ADD_FAILURE() << "requests still in flight after a minute";
-      return;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  // Failures the service reports without sending are posted to the worker.
-  auto flushed = std::make_shared<std::promise<void>>();
-  auto future = flushed->get_future();
-  networking.client->post([flushed] { flushed->set_value(); });
-  if (future.wait_for(kPatience) != std::future_status::ready) ADD_FAILURE() << "the worker did not answer";
+  if (networking.client) settleNetworking(*networking.client);
 }
 
 std::optional<RenewalOverHttpTest::Answer> RenewalOverHttpTest::run(
@@ -133,16 +109,6 @@ std::vector<Json> RenewalOverHttpTest::requestsTo(std::string_view endpoint) con
     if (entry.value("endpoint", Json()) == endpoint) requests.push_back(entry);
   }
   return requests;
-}
-
-std::optional<std::string> headerOf(const Json& request, std::string_view name) {
-  const Json headers = request.value("headers", Json::object());
-  for (const auto& [key, value] : headers.items()) {
-    if (key.size() == name.size() && strncasecmp(key.c_str(), name.data(), name.size()) == 0 && value.is_string()) {
-      return value.get<std::string>();
-    }
-  }
-  return std::nullopt;
 }
 
 int RenewalOverHttpTest::chargesOf(const std::string& orderId) const {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "checkout/CheckoutTestSupport.h"
+#include "mockcommerce/MockCommerceTestSupport.h"
 #include "varnel/host/KTVCParkResortContext.h"
 #include "varnel/mock/MockCommerceServer.h"
 #include "varnel/standalone/GuestDataFile.h"
@@ -60,7 +61,6 @@ class RenewalOverHttpTest : public HostFixture {
   KTVCParkResortContext park{kResortChoiceEast};
 };
 
-/// The value of header `name` (any case) of a journalled request; none when absent.
-std::optional<std::string> headerOf(const Json& request, std::string_view name);
+using mock::testing::headerOf;
 
 }  // namespace varnel::testing

@@ -1,37 +1,14 @@
 #include "commerce/CommerceOverHttpSupport.h"
-#include "support/QuickNetworking.h"
 
-#include <strings.h>
-
-#include <chrono>
-#include <future>
 #include <mutex>
-#include <thread>
 
+#include "support/QuickNetworking.h"
 #include "varnel/host/KTVRAuthenticationService.h"
 #include "varnel/host/Registry.h"
 #include "varnel/services/CommerceRequests.h"
 #include "varnel/standalone/StaticAuthenticationService.h"
 
 namespace varnel::testing {
-namespace {
-
-constexpr auto kPatience = std::chrono::minutes(1);
-
-/// Waits for `done`, failing the test (instead of hanging) after a minute.
-bool waitFor(const std::function<bool()>& done) {
-  const auto giveUp = std::chrono::steady_clock::now() + kPatience;
-  while (!done()) {
-    if (std::chrono::steady_clock::now() > giveUp) {
-      ADD_FAILURE() << "requests still in flight after a minute";
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return true;
-}
-
-}  // namespace
 
 struct CommerceOverHttpTest::ServerLog {
   mutable std::mutex mutex;
@@ -110,13 +87,7 @@ Outcome CommerceOverHttpTest::run(const Send& send) {
         ++recorded->outcome.failures;
         recorded->outcome.error = error;
       });
-  if (waitFor([&] { return client->callsInFlight() == 0; })) {
-    // Failures the service reports without sending are posted to the worker.
-    auto flushed = std::make_shared<std::promise<void>>();
-    auto future = flushed->get_future();
-    client->post([flushed] { flushed->set_value(); });
-    if (future.wait_for(kPatience) != std::future_status::ready) ADD_FAILURE() << "the worker did not answer";
-  }
+  settleNetworking(*client);
   std::lock_guard lock(recorded->mutex);
   return recorded->outcome;
 }
@@ -178,16 +149,6 @@ std::vector<std::string> CommerceOverHttpTest::logLinesStartingWith(std::string_
     if (line.starts_with(prefix)) lines.push_back(line);
   }
   return lines;
-}
-
-std::optional<std::string> headerOf(const Json& request, std::string_view name) {
-  if (!request.contains("headers") || !request["headers"].is_object()) return std::nullopt;
-  for (const auto& [key, value] : request["headers"].items()) {
-    if (key.size() == name.size() && strncasecmp(key.data(), name.data(), name.size()) == 0 && value.is_string()) {
-      return value.get<std::string>();
-    }
-  }
-  return std::nullopt;
 }
 
 }  // namespace varnel::testing

@@ -90,7 +90,6 @@ class CommerceOverHttpTest : public HostFixture {
   std::shared_ptr<ServerLog> serverLog_;
 };
 
-/// The value of header `name` (any case) of a journalled request; none when absent.
-std::optional<std::string> headerOf(const Json& request, std::string_view name);
+using mock::testing::headerOf;
 
 }  // namespace varnel::testing

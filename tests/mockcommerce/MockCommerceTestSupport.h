@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 #include <httplib.h>
+#include <strings.h>
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "varnel/mock/MockCommerceServer.h"
 
@@ -97,5 +100,17 @@ class MockCommerceTest : public ::testing::Test {
 
   std::unique_ptr<MockCommerceServer> server_;
 };
+
+/// The value of header `name` (any case) of a journalled request; none when absent.
+inline std::optional<std::string> headerOf(const Json& request, std::string_view name) {
+  const Json* headers = jsonMember(request, "headers");
+  if (!headers || !headers->is_object()) return std::nullopt;
+  for (const auto& [key, value] : headers->items()) {
+    if (key.size() == name.size() && strncasecmp(key.data(), name.data(), name.size()) == 0 && value.is_string()) {
+      return value.get<std::string>();
+    }
+  }
+  return std::nullopt;
+}
 
 }  // namespace varnel::mock::testing

@@ -1,10 +1,14 @@
 #pragma once
 // The stand-alone networking pointed at a loopback server, with quick retries
-// and a short timeout so that a fault never keeps a test waiting long.
+// and a short timeout so that a fault never keeps a test waiting long, and a
+// wait until everything sent through it has been answered.
 
 #include <chrono>
+#include <future>
+#include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +30,25 @@ inline standalone::StandaloneNetworking installQuickNetworking(const std::string
   options.transport.totalTimeout = std::chrono::seconds(2);
   return standalone::installStandaloneNetworking(
       environment.value(), [token = std::move(token)] { return token; }, std::move(options));
+}
+
+/// Waits until `client` has nothing in flight and its worker has run what was
+/// posted before (failures reported without sending are posted there); fails
+/// the test instead of hanging after a minute.
+inline void settleNetworking(standalone::HttpClient& client) {
+  constexpr auto kPatience = std::chrono::minutes(1);
+  const auto giveUp = std::chrono::steady_clock::now() + kPatience;
+  while (client.callsInFlight() != 0) {
+    if (std::chrono::steady_clock::now() > giveUp) {
+      ADD_FAILURE() << "requests still in flight after a minute";
+      return;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  auto flushed = std::make_shared<std::promise<void>>();
+  auto future = flushed->get_future();
+  client.post([flushed] { flushed->set_value(); });
+  if (future.wait_for(kPatience) != std::future_status::ready) ADD_FAILURE() << "the worker did not answer";
 }
 
 }  // namespace varnel::testing

@@ -63,6 +63,10 @@ void CurlPrivateDataService::send(HttpRequest request, KTVRSuccessBlock success,
   setAuthorizationHeaderForRequest(authorized);
   for (auto& [name, value] : authorized.allHTTPHeaderFields) request.headers.insert_or_assign(name, value);
 
+  // Held until the call is recorded: a callback that releases this service
+  // (on the worker, possibly before send() returns) waits in the destructor
+  // until this function is done with the service.
+  std::lock_guard lock(callsMutex_);
   auto call = client_->send(std::move(request), [gate = gate_, success = std::move(success),
                                                  failure = std::move(failure)](HttpOutcome outcome) {
     gate->run([&] {
@@ -79,7 +83,6 @@ void CurlPrivateDataService::send(HttpRequest request, KTVRSuccessBlock success,
       }
     });
   });
-  std::lock_guard lock(callsMutex_);
   std::erase_if(calls_, [](const auto& weak) { return weak.expired(); });
   calls_.push_back(call);
 }
