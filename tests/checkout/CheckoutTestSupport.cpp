@@ -6,19 +6,19 @@
 
 namespace varnel::testing {
 
-PaymentAccount testAccount(const CardSpec& spec) {
+PaymentAccount testAccount(const TestCard& choice) {
   auto address = std::make_shared<KTVRAddress>();
   address->line1 = "3 Fennick Yard";
   address->city = "Lowmere";
   address->state = KTVRAddress::Region{"Quarrow", "QA"};
   address->country = KTVRAddress::Region{"United States", "US"};
   address->zipCode = "00077";
-  address->phoneNumber = spec.phone;
-  address->mobilePhone = spec.mobile;
+  address->phoneNumber = choice.phone;
+  address->mobilePhone = choice.mobile;
   CreditCard card(true, true, "4111111111111111", "09/30", "09", "2030", "VISA", "CREDIT_CARD", "REF-7", "k-7",
-                  spec.securityCode, spec.scanned);
+                  choice.securityCode, choice.scanned);
   return PaymentAccount(CardGuestDetails("Wren", "Holloway"), card,
-                        spec.withAddress ? std::shared_ptr<const KTVRAddress>(address) : nullptr);
+                        choice.withAddress ? std::shared_ptr<const KTVRAddress>(address) : nullptr);
 }
 
 RenewalOrder testOrder(bool monthlyPlan, std::optional<std::string> total) {

@@ -24,7 +24,7 @@ inline constexpr const char* kCheckoutUrl = "https://commerce.example.test/order
 inline constexpr const char* kContractUrl = "https://commerce.example.test/orders/{order-id}/contract";
 
 /// How a test card differs from the plain stored one.
-struct CardSpec {
+struct TestCard {
   std::optional<std::string> securityCode = std::nullopt;
   bool scanned = false;
   std::optional<KTVRAddress::Phone> phone = KTVRAddress::Phone{"HOME", "555-0100"};
@@ -34,7 +34,7 @@ struct CardSpec {
 
 /// A VISA card of Wren Holloway, reference "REF-7"/"k-7", billed to an
 /// address in Lowmere, state "QA", country "US".
-PaymentAccount testAccount(const CardSpec& spec = {});
+PaymentAccount testAccount(const TestCard& choice = {});
 
 /// An order "ORD-1" with the terms "Renewal terms.", in USD.
 RenewalOrder testOrder(bool monthlyPlan, std::optional<std::string> total = std::string("709.00"));

@@ -61,7 +61,7 @@ TEST_F(PurchaseHandlerTest, BodyFollowsThePlanTheCardAndThePhones) {
   using Phone = KTVRAddress::Phone;
   struct Row {
     const char* name;
-    CardSpec card;
+    TestCard card;
     RenewalOrder order;
     const char* pointer;
     Json expected;
