@@ -40,20 +40,31 @@ VNLConfigurationViewController::VNLConfigurationViewController(QWidget* parent)
 
 VNLConfigurationViewController::~VNLConfigurationViewController() = default;
 
-VNLSwitch* VNLConfigurationViewController::mockEntitlementsSwitch() const { return ui_->mockEntitlementsSwitch; }
-VNLSwitch* VNLConfigurationViewController::mockCreateOrderSwitch() const { return ui_->mockCreateOrderSwitch; }
-VNLSwitch* VNLConfigurationViewController::mockContractSwitch() const { return ui_->mockContractSwitch; }
-VNLSwitch* VNLConfigurationViewController::mockEnvSwitch() const { return ui_->mockEnvSwitch; }
-VNLSwitch* VNLConfigurationViewController::pendingOrderHeaderSwitch() const { return ui_->pendingOrderHeaderSwitch; }
-VNLSwitch* VNLConfigurationViewController::env2ForCardsSwitch() const { return ui_->env2ForCardsSwitch; }
+VNLSwitch* VNLConfigurationViewController::mockEntitlementsSwitch() const { return switchFor(VNLMockSwitch::entitlements); }
+VNLSwitch* VNLConfigurationViewController::mockCreateOrderSwitch() const { return switchFor(VNLMockSwitch::createOrder); }
+VNLSwitch* VNLConfigurationViewController::mockContractSwitch() const { return switchFor(VNLMockSwitch::contract); }
+VNLSwitch* VNLConfigurationViewController::mockEnvSwitch() const { return switchFor(VNLMockSwitch::env); }
+VNLSwitch* VNLConfigurationViewController::pendingOrderHeaderSwitch() const {
+  return switchFor(VNLMockSwitch::pendingHeader);
+}
+VNLSwitch* VNLConfigurationViewController::env2ForCardsSwitch() const { return switchFor(VNLMockSwitch::env2ForCards); }
+
+VNLSwitch* VNLConfigurationViewController::switchFor(VNLMockSwitch mockSwitch) const {
+  switch (mockSwitch) {
+    case VNLMockSwitch::entitlements: return ui_->mockEntitlementsSwitch;
+    case VNLMockSwitch::createOrder: return ui_->mockCreateOrderSwitch;
+    case VNLMockSwitch::contract: return ui_->mockContractSwitch;
+    case VNLMockSwitch::env: return ui_->mockEnvSwitch;
+    case VNLMockSwitch::pendingHeader: return ui_->pendingOrderHeaderSwitch;
+    case VNLMockSwitch::env2ForCards: return ui_->env2ForCardsSwitch;
+  }
+  return nullptr;
+}
 
 void VNLConfigurationViewController::viewDidLoad() {
-  ui_->mockEntitlementsSwitch->setOn(VNLConfigurationPresenter::storedValue(VNLMockSwitch::entitlements));
-  ui_->mockCreateOrderSwitch->setOn(VNLConfigurationPresenter::storedValue(VNLMockSwitch::createOrder));
-  ui_->mockContractSwitch->setOn(VNLConfigurationPresenter::storedValue(VNLMockSwitch::contract));
-  ui_->mockEnvSwitch->setOn(VNLConfigurationPresenter::storedValue(VNLMockSwitch::env));
-  ui_->pendingOrderHeaderSwitch->setOn(VNLConfigurationPresenter::storedValue(VNLMockSwitch::pendingHeader));
-  ui_->env2ForCardsSwitch->setOn(VNLConfigurationPresenter::storedValue(VNLMockSwitch::env2ForCards));
+  for (VNLMockSwitch mockSwitch : kAllVNLMockSwitches) {
+    switchFor(mockSwitch)->setOn(VNLConfigurationPresenter::storedValue(mockSwitch));
+  }
 }
 
 void VNLConfigurationViewController::mockEntitlements(bool isOn) {

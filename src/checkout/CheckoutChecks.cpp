@@ -21,7 +21,7 @@ std::optional<APError> CheckoutChecks::firstFailure(const CheckoutChoices& choic
     return choices.termsAccepted ? APError::MissingPaymentMethod : APError::MissingCCAndTermsAndConditions;
   }
   const CreditCard& card = choices.paymentAccount->creditCard();
-  const bool securityCodeMissing = !card.securityCode() || card.securityCode()->empty();
+  const bool securityCodeMissing = !card.hasSecurityCode();
   if (needsSecurityCode(card) && securityCodeMissing) {
     return choices.termsAccepted ? APError::MissingCVV : APError::MissingCVVAndTermsAndConditions;
   }

@@ -50,7 +50,7 @@ void ContractFetcher::fetchMonthlyContract(const std::string& orderId, const Pay
 }
 
 Json ContractFetcher::parameterDictionary(const PaymentAccount& paymentAccount, const RenewalOrder& renewalOrder) const {
-  return PurchaseHandler::create()->parameterDictionaryForPurchase(paymentAccount, renewalOrder);
+  return PurchaseHandler::parameterDictionaryForPurchase(paymentAccount, renewalOrder);
 }
 
 void ContractFetcher::contractRequest(const std::string& orderId, const PaymentAccount& paymentAccounts,

@@ -36,10 +36,9 @@ Json paymentCard(const PaymentAccount& account) {
       {key(Keys::stateKey), optionalText(address && address->state ? address->state->code : noText)},
       {key(Keys::postalCodeKey), optionalText(address ? address->zipCode : noText)},
       {key(Keys::countryKey), optionalText(address && address->country ? address->country->code : noText)}};
-  const bool hasSecurityCode = card.securityCode() && !card.securityCode()->empty();
   return Json{{key(Keys::cardSubTypeKey), card.paymentMethod()},
               {key(Keys::cardholderNameKey), holder.firstName() + " " + holder.lastName()},
-              {key(Keys::cvvKey), hasSecurityCode ? *card.securityCode() : key(Keys::tempraryCVV)},
+              {key(Keys::cvvKey), card.hasSecurityCode() ? *card.securityCode() : key(Keys::tempraryCVV)},
               {key(Keys::referenceIdKey), card.retrievalReferenceNumber()},
               {key(Keys::referenceKey), card.retrievalReferenceKey()},
               {key(Keys::paymentCardScanKey), card.isScanned()},
@@ -101,7 +100,7 @@ bool PurchaseHandler::isProcessingTransaction() const {
 }
 
 Json PurchaseHandler::parameterDictionaryForPurchase(const PaymentAccount& paymentAccount,
-                                                     const RenewalOrder& renewalOrder) const {
+                                                     const RenewalOrder& renewalOrder) {
   const Json amount = renewalOrder.paymentPlan ? Json("0") : optionalText(renewalOrder.pricing.total);
   Json payment{{key(Keys::paymentCardKey), paymentCard(paymentAccount)},
                {key(Keys::billingPhoneKey), billingPhone(paymentAccount)},

@@ -140,4 +140,11 @@ std::optional<APError> APEvasError(const Error& error) {
 
 Error toError(APError error) { return Error{kAPErrorDomain, rawValue(error), Json()}; }
 
+std::optional<APError> commerceErrorOf(const Error& error) {
+  if (error.domain == kAPErrorDomain) {
+    if (auto commerceError = apErrorFromRawValue(static_cast<int>(error.code))) return commerceError;
+  }
+  return APBookingServiceError(error);
+}
+
 }  // namespace varnel

@@ -4,10 +4,10 @@
 // a failed booking request onto a commerce error.
 
 #include <optional>
-#include <source_location>
 #include <string>
 #include <string_view>
 
+#include "JsonShapes.h"
 #include "varnel/host/KTVCPrintUtility.h"
 #include "varnel/host/KTVRPrivateDataService.h"
 #include "varnel/platform/URLSession.h"
@@ -43,12 +43,6 @@ KTVRFailureBlock orNothing(KTVRFailureBlock block);
 /// error; with `error` itself when the mapping gives none; with none when
 /// there was no error.
 void failWithBookingError(const KTVRFailureBlock& failure, const std::optional<Error>& error);
-
-/// A request's log site: its module file and function, with this line.
-inline LogSite requestSite(std::string_view file, std::string_view function,
-                           std::source_location location = std::source_location::current()) {
-  return LogSite{std::string(file), std::string(function), static_cast<int>(location.line())};
-}
 
 /// The log line of a request made by nobody.
 inline constexpr std::string_view kLoginFirstMessage = "Please, login first";

@@ -21,7 +21,7 @@ void createExpressCheckout(KTVRPrivateDataService& service, const std::string& o
   const bool env2 = switchIsOn(VNLVarnel::Constants::varnelEnv2HeaderKey);
   const bool pendingOrder = switchIsOn(VNLVarnel::Constants::VarnelPendingOrderHeaderKey);
   if (!signedInKuid()) {
-    KTVCPrintUtility::debugPrint(kLoginFirstMessage, requestSite(kCheckoutSource, kCheckoutFunction));
+    KTVCPrintUtility::debugPrint(kLoginFirstMessage, moduleSite(kCheckoutSource, kCheckoutFunction));
     return;
   }
 
@@ -41,7 +41,7 @@ void createExpressCheckout(KTVRPrivateDataService& service, const std::string& o
       [failure = std::move(failure)](const std::optional<Error>& error) {
         std::optional<std::string> description;
         if (error) description = localizedDescription(*error);
-        KTVCPrintUtility::debugPrint("An Error Occurred" + describe(description), requestSite(kCheckoutSource, kCheckoutFunction));
+        KTVCPrintUtility::debugPrint("An Error Occurred" + describe(description), moduleSite(kCheckoutSource, kCheckoutFunction));
         failWithBookingError(failure, error);
       });
 }

@@ -32,7 +32,7 @@ void createOrderRequest(KTVRPrivateDataService& service, const VNLCreateOrderPar
         if (success && result && result->is_object()) success(result);
       },
       [failure = std::move(failure)](const std::optional<Error>& error) {
-        KTVCPrintUtility::debugPrint("Sorry, Service Failed!", requestSite(kCreateOrderSource, kCreateOrderFunction));
+        KTVCPrintUtility::debugPrint("Sorry, Service Failed!", moduleSite(kCreateOrderSource, kCreateOrderFunction));
         failWithBookingError(failure, error);
       });
 }

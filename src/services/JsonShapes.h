@@ -35,8 +35,8 @@ std::optional<std::vector<std::string>> stringArrayMember(const Json& object, st
 /// The last path component of a URL, or none when `text` is not a URL.
 std::optional<std::string> lastPathComponent(std::string_view text);
 
-/// A parser's log site: its module file and function, with this line.
-inline LogSite parserSite(std::string_view file, std::string_view function,
+/// A log site of the module: its file and function, with this line.
+inline LogSite moduleSite(std::string_view file, std::string_view function,
                           std::source_location location = std::source_location::current()) {
   return LogSite{std::string(file), std::string(function), static_cast<int>(location.line())};
 }

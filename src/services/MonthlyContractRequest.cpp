@@ -25,16 +25,16 @@ std::optional<std::string> serialised(const Json& parameters) {
 void complete(const KTVRSuccessBlock& successResponse, const KTVRFailureBlock& failureResponse,
               const std::optional<std::string>& data, const std::optional<URLResponse>& response,
               const std::optional<Error>& error) {
-  using services_detail::requestSite;
+  using services_detail::moduleSite;
   if (!data || error) {
-    KTVCPrintUtility::debugPrint("error=" + describe(error), requestSite(kContractSource, kContractFunction));
+    KTVCPrintUtility::debugPrint("error=" + describe(error), moduleSite(kContractSource, kContractFunction));
     if (failureResponse) failureResponse(error);
     return;
   }
   if (response && response->isHTTPResponse() && *response->statusCode != 200) {
     KTVCPrintUtility::debugPrint("statusCode should be 200, but is " + std::to_string(*response->statusCode),
-                                 requestSite(kContractSource, kContractFunction));
-    KTVCPrintUtility::debugPrint("response = " + describe(response), requestSite(kContractSource, kContractFunction));
+                                 moduleSite(kContractSource, kContractFunction));
+    KTVCPrintUtility::debugPrint("response = " + describe(response), moduleSite(kContractSource, kContractFunction));
     // Deliberately no error: callers take a missing error for a failure too.
     if (failureResponse) failureResponse(std::nullopt);
     return;

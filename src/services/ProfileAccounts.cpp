@@ -20,7 +20,7 @@ void profileAccounts(KTVRPrivateDataService& service, KTVRSuccessBlock success, 
   using namespace services_detail;
   const std::optional<std::string> kuid = signedInKuid();
   if (!kuid) {
-    KTVCPrintUtility::debugPrint(kLoginFirstMessage, requestSite(kAccountsSource, kAccountsFunction));
+    KTVCPrintUtility::debugPrint(kLoginFirstMessage, moduleSite(kAccountsSource, kAccountsFunction));
     return;
   }
   const std::string encodedKuid = percentEncodedForURLHost(*kuid);

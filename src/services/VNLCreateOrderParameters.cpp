@@ -1,5 +1,6 @@
 #include "varnel/services/VNLCreateOrderParameters.h"
 
+#include "CommerceRequestSupport.h"
 #include "varnel/entitlements/VNLVarnel.h"
 #include "varnel/host/ENTMDebugSettings.h"
 #include "varnel/host/Registry.h"
@@ -23,9 +24,8 @@ constexpr Store kEastStore{"80007798", "oqs_mobile", "oqs"};
 VNLCreateOrderParameters::VNLCreateOrderParameters(const KTVCParkResortContext& parkResort, std::string accountId,
                                                    std::vector<Product> productsArray, bool monthlyPlan)
     : kuid(std::move(accountId)), paymentPlan(monthlyPlan) {
-  const auto defaults = host::Registry::get<UserDefaults>();
-  const bool entitlementsMocked = defaults && defaults->boolForKey(VNLVarnel::Constants::varnelEntitlementMockKey);
-  const bool debugContext = defaults && defaults->boolForKey(ENTMDebugSettings::contextKey);
+  const bool entitlementsMocked = services_detail::switchIsOn(VNLVarnel::Constants::varnelEntitlementMockKey);
+  const bool debugContext = services_detail::switchIsOn(ENTMDebugSettings::contextKey);
 
   // The west value as a newly made context supplies it.
   const KTVCResortChoice west = KTVCParkResortContext(kResortChoiceWest).resortChoice();

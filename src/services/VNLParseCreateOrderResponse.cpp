@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "CommerceRequestSupport.h"
 #include "JsonShapes.h"
 #include "varnel/host/KTVCPrintUtility.h"
-#include "varnel/host/KTVRAuthenticationService.h"
 #include "varnel/services/CreateOrderResponseKey.h"
 
 namespace varnel {
@@ -54,11 +54,6 @@ const std::string& passNameFor(const std::string& participantId, const std::vect
   return none;
 }
 
-std::optional<std::string> signedInKuid() {
-  const auto authentication = KTVRAuthenticationService::sharedInstance();
-  return authentication ? authentication->kuid() : std::nullopt;
-}
-
 }  // namespace
 
 RenewalOrder VNLParseCreateOrderResponse::parseCreateOrder(const Json& result) const {
@@ -74,7 +69,7 @@ RenewalOrder VNLParseCreateOrderResponse::parseCreateOrder(const Json& result) c
     order.termsAndConditionsPolicies = termsAndConditionsPolicies(*termsAndConditions);
   } else {
     KTVCPrintUtility::debugPrint("WARNING: Could not retrieve terms & conditions policies",
-                                 parserSite(kCreateOrderParserFile, "parseCreateOrder(result:)"));
+                                 moduleSite(kCreateOrderParserFile, "parseCreateOrder(result:)"));
   }
   // Every parsed order counts as a monthly plan; the amounts tell the kind.
   order.paymentPlan = true;

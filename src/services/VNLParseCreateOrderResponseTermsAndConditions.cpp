@@ -16,7 +16,7 @@ std::vector<VNLRenewalTermsAndConditionsPolicy> VNLParseCreateOrderResponse::ter
   const Json* policies = objectArrayMember(termsAndConditions, Key::policies);
   if (!policies) {
     KTVCPrintUtility::debugPrint("No terms & conditions policies found in renewal order",
-                                 parserSite(kCreateOrderParserFile, function));
+                                 moduleSite(kCreateOrderParserFile, function));
     return {};
   }
   std::vector<VNLRenewalTermsAndConditionsPolicy> result;
@@ -28,7 +28,7 @@ std::vector<VNLRenewalTermsAndConditionsPolicy> VNLParseCreateOrderResponse::ter
     auto descriptions = name ? descriptionsFromPolicy(policy) : std::nullopt;
     if (!descriptions) {
       KTVCPrintUtility::debugPrint("Unable to parse renewal order terms and conditions",
-                                   parserSite(kCreateOrderParserFile, function));
+                                   moduleSite(kCreateOrderParserFile, function));
       continue;
     }
     result.push_back(VNLRenewalTermsAndConditionsPolicy{*id, *name, std::move(*descriptions)});
@@ -42,7 +42,7 @@ std::optional<std::vector<VNLRenewalPolicyDescription>> VNLParseCreateOrderRespo
   const Json* descriptions = objectArrayMember(policy, Key::descriptions);
   if (!descriptions) {
     KTVCPrintUtility::debugPrint("No htmltex found in terms & conditions policies for a renewal order",
-                                 parserSite(kCreateOrderParserFile, function));
+                                 moduleSite(kCreateOrderParserFile, function));
     return std::nullopt;
   }
   std::vector<VNLRenewalPolicyDescription> result;
@@ -51,7 +51,7 @@ std::optional<std::vector<VNLRenewalPolicyDescription>> VNLParseCreateOrderRespo
     const std::string* key = jsonString(description, Key::key);
     const std::string* text = jsonString(description, Key::text);
     if (!id || !key || !text) {
-      KTVCPrintUtility::debugPrint("Unable to parse terms & condition text", parserSite(kCreateOrderParserFile, function));
+      KTVCPrintUtility::debugPrint("Unable to parse terms & condition text", moduleSite(kCreateOrderParserFile, function));
       continue;
     }
     result.push_back(VNLRenewalPolicyDescription{*id, *key, *text});

@@ -19,7 +19,7 @@ constexpr std::string_view kUpdateSubmitParserFile = "Classes/Parser/VNLParseUpd
 
 void log(std::string_view message, std::string_view function,
          std::source_location location = std::source_location::current()) {
-  KTVCPrintUtility::debugPrint(message, parserSite(kUpdateSubmitParserFile, function, location));
+  KTVCPrintUtility::debugPrint(message, moduleSite(kUpdateSubmitParserFile, function, location));
 }
 
 }  // namespace

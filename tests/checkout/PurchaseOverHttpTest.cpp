@@ -41,7 +41,7 @@ class PurchaseOverHttpTest : public RenewalOverHttpTest {
 };
 
 /// The commerce error a failure carries, by its error domain and code.
-std::optional<APError> commerceErrorOf(const Error& error) {
+std::optional<APError> apErrorCarried(const Error& error) {
   if (error.domain != kAPErrorDomain) return std::nullopt;
   return apErrorFromRawValue(static_cast<int>(error.code));
 }
@@ -86,7 +86,7 @@ TEST_F(PurchaseOverHttpTest, EachCheckoutFaultReachesTheDelegateAsItShould) {
     EXPECT_EQ(done.delegate->completions(), row.told == Told::completed ? 1 : 0);
     ASSERT_EQ(failures.size(), row.told == Told::failed ? 1u : 0u);
     if (row.told == Told::failed) {
-      EXPECT_EQ(commerceErrorOf(failures[0]), row.error) << describe(failures[0]);
+      EXPECT_EQ(apErrorCarried(failures[0]), row.error) << describe(failures[0]);
       if (!row.error) {
         EXPECT_EQ(failures[0].domain, standalone::kNetworkErrorDomain);
       }
@@ -127,7 +127,7 @@ TEST_F(PurchaseOverHttpTest, TwoHandlersChargeAnOrderOnce) {
   EXPECT_FALSE(second.handler->purchaseResults());
   // The service's "order already purchased" has no commerce error of its own:
   // the guest is told the general service message with the help number.
-  const auto told = commerceErrorOf(second.delegate->failures()[0]);
+  const auto told = apErrorCarried(second.delegate->failures()[0]);
   ASSERT_EQ(told, APError::GeneralBookingServiceError);
   EXPECT_EQ(APErrorMessage::localizationKey(*told, kResortChoiceEast), "com.varnel.checkout.serviceError.message");
   std::ifstream strings(std::string(VARNEL_TEST_RESOURCE_DIR) + "/en.lproj/Localizable.json");
@@ -162,7 +162,7 @@ TEST_F(PurchaseOverHttpTest, DeclinedCardChargesNothingAndFreesTheHandler) {
   const RenewalOrder order = placeOrder(false);
   const Checkout declined = checkout(order, storedCard("CARD-REF-0003", "123"));
   ASSERT_EQ(declined.delegate->failures().size(), 1u);
-  EXPECT_EQ(commerceErrorOf(declined.delegate->failures()[0]), APError::PAYMENT_DECLINED);
+  EXPECT_EQ(apErrorCarried(declined.delegate->failures()[0]), APError::PAYMENT_DECLINED);
   EXPECT_EQ(chargesOf(order.orderId), 0);
   // The guest picks another card and the same handler checks out.
   declined.handler->beginPurchaseTransaction(order.orderId, storedCard("CARD-REF-0001"), order);

@@ -15,16 +15,16 @@ TEST_F(CommerceOverHttpTest, RoutedRequestsMeetTheirSimulatedErrorUntilRoutingIs
   ASSERT_TRUE(routed.ok());
   routeFaults = {routed.value()};
   start(sampleGuest(), sampleGuest().kuid);
-  defaults->setObject(standalone::kServerErrorRoutingHeaderKey,
+  defaults->setObject(kServerErrorRoutingHeaderKey,
                       DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("E503")}});
 
-  defaults->setBool(standalone::kServerErrorRoutingUseFeatureKey, true);
+  defaults->setBool(kServerErrorRoutingUseFeatureKey, true);
   const Outcome failed = createOrder();
   ASSERT_TRUE(failed.onlyFailed());
   EXPECT_EQ(failed.error, toError(APError::SYSTEM_UNAVAILABLE));
   EXPECT_EQ(headerOf(requestsTo("create-orders").back(), "X-Orvane-Internal-Mock-AP"), "E503");
 
-  defaults->setBool(standalone::kServerErrorRoutingUseFeatureKey, false);
+  defaults->setBool(kServerErrorRoutingUseFeatureKey, false);
   EXPECT_TRUE(createOrder().onlySucceeded());
   EXPECT_EQ(headerOf(requestsTo("create-orders").back(), "X-Orvane-Internal-Mock-AP"), std::nullopt);
 }

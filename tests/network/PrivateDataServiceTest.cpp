@@ -181,10 +181,10 @@ TEST_F(PrivateDataServiceTest, TransportFailuresAreRetriedTwiceAndWritesKeepThei
 }
 
 TEST_F(PrivateDataServiceTest, RoutingHeaderIsSentOnlyWhileRoutingIsOn) {
-  defaults->setObject(standalone::kServerErrorRoutingHeaderKey,
+  defaults->setObject(kServerErrorRoutingHeaderKey,
                       DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("route-7")}});
   for (bool on : {true, false}) {
-    defaults->setBool(standalone::kServerErrorRoutingUseFeatureKey, on);
+    defaults->setBool(kServerErrorRoutingUseFeatureKey, on);
     ASSERT_TRUE(get("/record").succeeded);
     EXPECT_EQ(lastSeen().get_header_value("X-Orvane-Internal-Mock-AP"), on ? "route-7" : "");
   }

@@ -51,15 +51,15 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
       std::make_shared<standalone::StaticAuthenticationService>(guest_.kuid, guest_.email));
   Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(guest_.email));
 
-  serverUrl_ = options.server;
-  if (serverUrl_.empty()) {
+  std::string serverUrl = options.server;
+  if (serverUrl.empty()) {
     auto started = mock::MockCommerceServer::start(
         {.guest = guest_, .faults = {}, .routes = {}, .routeFaults = {}, .requestLog = {}});
     if (!started) throw UsageError("cannot start the mock commerce server: " + localizedDescription(started.error()));
     embeddedServer_ = std::move(started.value());
-    serverUrl_ = embeddedServer_->baseUrl();
+    serverUrl = embeddedServer_->baseUrl();
   }
-  auto environment = standalone::JsonEnvironment::forServer(serverUrl_);
+  auto environment = standalone::JsonEnvironment::forServer(serverUrl);
   if (!environment) throw UsageError("--server: " + localizedDescription(environment.error()));
 
   networking_ = standalone::installStandaloneNetworking(environment.value(),
@@ -112,9 +112,7 @@ CallbackOutcome CommerceSession::await(const std::function<void(KTVRSuccessBlock
 }
 
 int reportCommerceFailure(const std::optional<Error>& error, KTVCResortChoice park, bool json) {
-  std::optional<APError> commerceError;
-  if (error && error->domain == kAPErrorDomain) commerceError = apErrorFromRawValue(static_cast<int>(error->code));
-  if (!commerceError && error) commerceError = APBookingServiceError(*error);
+  const std::optional<APError> commerceError = error ? commerceErrorOf(*error) : std::nullopt;
   if (commerceError) {
     const OrderedJson described = describeError(*commerceError, park);
     if (json) {

@@ -61,8 +61,6 @@ class CommerceSession {
   KTVRPrivateDataService& service() const { return *networking_.service; }
   /// The facade over the guest's entitlements.
   const VNLVarnel& varnel() const { return varnel_; }
-  std::string serverUrl() const { return serverUrl_; }
-  standalone::RunLoopMainQueue& mainQueue() const { return *mainQueue_; }
 
   /// Starts an operation with callbacks that hand their result to the main
   /// queue, and runs the main queue until one of them has run or the
@@ -76,7 +74,6 @@ class CommerceSession {
   standalone::GuestData guest_;
   std::shared_ptr<KTVCParkResortContext> parkContext_;
   std::unique_ptr<mock::MockCommerceServer> embeddedServer_;
-  std::string serverUrl_;
   standalone::StandaloneNetworking networking_;
   std::shared_ptr<standalone::RunLoopMainQueue> mainQueue_;
   VNLVarnel varnel_;

@@ -38,15 +38,9 @@ class Progress {
   int total_;
 };
 
-std::optional<APError> commerceErrorOf(const std::optional<Error>& error) {
-  if (!error) return std::nullopt;
-  if (error->domain == kAPErrorDomain) return apErrorFromRawValue(static_cast<int>(error->code));
-  return APBookingServiceError(*error);
-}
-
 [[noreturn]] void fail(const std::string& step, const CallbackOutcome& outcome) {
   if (outcome.silent) throw StepFailure{step, std::nullopt, "the answer was not one the module acts on"};
-  throw StepFailure{step, commerceErrorOf(outcome.error),
+  throw StepFailure{step, outcome.error ? commerceErrorOf(*outcome.error) : std::nullopt,
                     outcome.error ? describe(*outcome.error) : "the request failed without an error"};
 }
 

@@ -103,7 +103,7 @@ class PurchaseHandler : public std::enable_shared_from_this<PurchaseHandler> {
   /// guests' confirmation e-mails and the order's terms. An address without a
   /// state or country, or a profile without an e-mail, is a programming error
   /// of the host: it is logged and the value is sent as absent.
-  Json parameterDictionaryForPurchase(const PaymentAccount& paymentAccount, const RenewalOrder& renewalOrder) const;
+  static Json parameterDictionaryForPurchase(const PaymentAccount& paymentAccount, const RenewalOrder& renewalOrder);
 
   /// The handling of the express checkout's two answers.
   void serviceSuccess(const std::optional<Json>& results);

@@ -25,4 +25,8 @@ std::optional<APError> APEvasError(const Error& error);
 /// value, no user information.
 Error toError(APError error);
 
+/// The commerce error a failed booking call ends with: the case itself when
+/// `error` is one (toError), else the booking-service mapping.
+std::optional<APError> commerceErrorOf(const Error& error);
+
 }  // namespace varnel

@@ -39,6 +39,8 @@ class CreditCard {
   const std::string& retrievalReferenceKey() const { return retrievalReferenceKey_; }
   /// The verification value the guest entered; empty text when none was.
   const std::optional<std::string>& securityCode() const { return securityCode_; }
+  /// Whether the guest entered a security code (an empty one is none).
+  bool hasSecurityCode() const { return securityCode_ && !securityCode_->empty(); }
   /// Scanned with the camera rather than taken from the profile.
   bool isScanned() const { return isScanned_; }
 

@@ -14,21 +14,16 @@
 #include <vector>
 
 namespace varnel::standalone {
-namespace {
 
-using Clock = std::chrono::steady_clock;
-
-/// libcurl's process-wide set-up, done once before the first handle.
-void initialiseCurlOnce() {
-  static const bool initialised = [] { return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK; }();
-  (void)initialised;
-}
+// One request on its way. A named namespace rather than an anonymous one,
+// because the transport's state holds these records as members.
+namespace curl_transport_detail {
 
 struct Transfer {
   CurlTransport::TransferId id = 0;
   HttpRequest request;
   CurlTransport::Completion completion;
-  Clock::time_point due;
+  std::chrono::steady_clock::time_point due;
   CURL* easy = nullptr;
   curl_slist* headerList = nullptr;
   HttpOutcome outcome;
@@ -39,6 +34,20 @@ struct Transfer {
     if (easy) curl_easy_cleanup(easy);
   }
 };
+
+}  // namespace curl_transport_detail
+
+using curl_transport_detail::Transfer;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// libcurl's process-wide set-up, done once before the first handle.
+void initialiseCurlOnce() {
+  static const bool initialised = [] { return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK; }();
+  (void)initialised;
+}
 
 std::size_t appendBody(char* data, std::size_t size, std::size_t count, void* transfer) {
   static_cast<Transfer*>(transfer)->outcome.body.append(data, size * count);
@@ -177,7 +186,7 @@ void CurlTransport::State::applyCancellations(std::vector<std::unique_ptr<Transf
     for (TransferId id : ids) {
       auto it = std::find_if(waiting.begin(), waiting.end(), [id](const auto& t) { return t->id == id; });
       if (it == waiting.end()) continue;
-      (*it)->outcome.failure = TransportFailure{CURLE_ABORTED_BY_CALLBACK, "cancelled", true};
+      (*it)->outcome.failure = TransportFailure{CURLE_ABORTED_BY_CALLBACK, "cancelled"};
       finished.push_back(std::move(*it));
       waiting.erase(it);
     }
@@ -186,7 +195,7 @@ void CurlTransport::State::applyCancellations(std::vector<std::unique_ptr<Transf
     auto it = active.find(id);
     if (it == active.end()) continue;
     curl_multi_remove_handle(multi, it->second->easy);
-    it->second->outcome.failure = TransportFailure{CURLE_ABORTED_BY_CALLBACK, "cancelled", true};
+    it->second->outcome.failure = TransportFailure{CURLE_ABORTED_BY_CALLBACK, "cancelled"};
     finished.push_back(std::move(it->second));
     active.erase(it);
   }
@@ -207,7 +216,6 @@ void CurlTransport::State::collectFinished(std::vector<std::unique_ptr<Transfer>
 
     long connects = 0;
     curl_easy_getinfo(transfer->easy, CURLINFO_NUM_CONNECTS, &connects);
-    transfer->outcome.connectionsOpened = connects;
     connectionsOpened += connects;
     if (result == CURLE_OK) {
       long status = 0;
@@ -215,7 +223,7 @@ void CurlTransport::State::collectFinished(std::vector<std::unique_ptr<Transfer>
       transfer->outcome.status = status;
     } else {
       const std::string detail = transfer->errorText[0] ? transfer->errorText : curl_easy_strerror(result);
-      transfer->outcome.failure = TransportFailure{static_cast<int>(result), detail, false};
+      transfer->outcome.failure = TransportFailure{static_cast<int>(result), detail};
       transfer->outcome.body.clear();
     }
     finished.push_back(std::move(transfer));
@@ -328,7 +336,5 @@ void CurlTransport::cancel(TransferId transfer) {
 }
 
 std::int64_t CurlTransport::connectionsOpened() const { return state_->connectionsOpened.load(); }
-
-const TransportOptions& CurlTransport::options() const { return state_->options; }
 
 }  // namespace varnel::standalone

@@ -16,6 +16,8 @@
 
 #include "varnel/platform/MainQueue.h"
 #include "varnel/platform/URLSession.h"
+#include "varnel/services/CommerceRequests.h"
+#include "varnel/settings/ServerErrorRoutingKeys.h"
 
 namespace varnel {
 
@@ -42,10 +44,10 @@ struct ServerErrorRoutingAnswer {
 class ServerErrorRoutingPresenter : public std::enable_shared_from_this<ServerErrorRoutingPresenter> {
  public:
   static constexpr std::string_view kSERUserNameKey = "ServerErrorRoutingUserName";
-  static constexpr std::string_view kSERUseFeatureKey = "ServerErrorRoutingUseFeature";
+  static constexpr std::string_view kSERUseFeatureKey = kServerErrorRoutingUseFeatureKey;
   /// A dictionary from header name to header value.
-  static constexpr std::string_view kSERActivateRoutingKey = "ServiceErrorRoutingHeader";
-  static constexpr std::string_view kInternalMockHeader = "X-Orvane-Internal-Mock-AP";
+  static constexpr std::string_view kSERActivateRoutingKey = kServerErrorRoutingHeaderKey;
+  static constexpr std::string_view kInternalMockHeader = CommerceTestHeaders::kMockAP;
   static constexpr std::string_view kHeaderLookupPath = "/mobile-commerce/index.php/rest/export/json/header?uid=";
 
   /// The mock server's base address ("http://host:port") that new screens

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "varnel/host/KTVCParkResortContext.h"
+#include "varnel/screens/VNLConfigurationPresenter.h"
 
 namespace Ui {
 class VNLConfigurationViewController;
@@ -53,6 +54,7 @@ class VNLConfigurationViewController : public QWidget {
  private:
   /// Sets every switch from the store.
   void viewDidLoad();
+  VNLSwitch* switchFor(VNLMockSwitch mockSwitch) const;
 
   std::unique_ptr<Ui::VNLConfigurationViewController> ui_;
   std::shared_ptr<KTVCParkResortContext> parkContext_;

@@ -46,7 +46,6 @@ class CurlPrivateDataService final : public KTVRPrivateDataService {
   /// "Authorization: Bearer TOKEN" when a guest is signed in.
   void setAuthorizationHeaderForRequest(URLRequest& request) const override;
 
-  const std::shared_ptr<HttpClient>& client() const { return client_; }
 
  private:
   void send(HttpRequest request, KTVRSuccessBlock success, KTVRFailureBlock failure);

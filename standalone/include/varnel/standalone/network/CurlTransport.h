@@ -52,8 +52,6 @@ class CurlTransport {
   /// Connections opened so far, over all transfers.
   std::int64_t connectionsOpened() const;
 
-  const TransportOptions& options() const;
-
  private:
   struct State;
   std::shared_ptr<State> state_;

@@ -13,15 +13,13 @@
 #include <random>
 
 #include "varnel/platform/UserDefaults.h"
+#include "varnel/settings/ServerErrorRoutingKeys.h"
 #include "varnel/standalone/network/CurlTransport.h"
 #include "varnel/standalone/network/IdempotencyKeys.h"
 #include "varnel/standalone/network/RetryPolicy.h"
 
 namespace varnel::standalone {
 
-/// User-defaults keys of the tester's server-error routing.
-inline constexpr const char* kServerErrorRoutingUseFeatureKey = "ServerErrorRoutingUseFeature";
-inline constexpr const char* kServerErrorRoutingHeaderKey = "ServiceErrorRoutingHeader";
 inline constexpr const char* kIdempotencyKeyHeader = "Idempotency-Key";
 
 struct HttpClientOptions {
@@ -56,7 +54,6 @@ class HttpClient {
   void post(std::function<void()> task) { transport_->post(std::move(task)); }
 
   CurlTransport& transport() { return *transport_; }
-  const RetryPolicy& retryPolicy() const { return options_.retry; }
 
  private:
   struct Call;

@@ -2,7 +2,6 @@
 // One HTTP exchange as the stand-alone transport sees it: the request to send
 // and what came of it (an answer with any status, or a transport failure).
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -23,8 +22,6 @@ struct TransportFailure {
   /// libcurl's result code.
   int code = 0;
   std::string message;
-  /// The caller cancelled the transfer (or destroyed the transport).
-  bool cancelled = false;
 };
 
 struct HttpOutcome {
@@ -33,8 +30,6 @@ struct HttpOutcome {
   HTTPHeaderFields headers;
   std::string body;
   std::optional<TransportFailure> failure;
-  /// New connections this exchange had to open (0 when one was reused).
-  std::int64_t connectionsOpened = 0;
 
   bool answered() const { return status.has_value() && !failure; }
 };
