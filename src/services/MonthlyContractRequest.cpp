@@ -49,6 +49,13 @@ void complete(const KTVRSuccessBlock& successResponse, const KTVRFailureBlock& f
 
 void monthlyContractRequest(KTVRPrivateDataService& service, const std::string& orderId, const Json& parameters,
                             KTVRSuccessBlock successResponse, KTVRFailureBlock failureResponse) {
+  monthlyContractRequest(service, URLSession::shared(), orderId, parameters, std::move(successResponse),
+                         std::move(failureResponse));
+}
+
+void monthlyContractRequest(KTVRPrivateDataService& service, const std::shared_ptr<URLSession>& session,
+                            const std::string& orderId, const Json& parameters, KTVRSuccessBlock successResponse,
+                            KTVRFailureBlock failureResponse) {
   using namespace services_detail;
   const bool env2 = switchIsOn(VNLVarnel::Constants::varnelEnv2HeaderKey);
   const std::optional<std::string> url = environmentString("create-contract", {{"order-id", orderId}});
@@ -65,7 +72,6 @@ void monthlyContractRequest(KTVRPrivateDataService& service, const std::string& 
   request.httpBody = serialised(parameters);
   service.setAuthorizationHeaderForRequest(request);
 
-  const auto session = URLSession::shared();
   if (!session) {
     const Error noSession{kCommerceRequestErrorDomain, kNoURLSessionErrorCode,
                           Json{{kErrorLocalizedDescriptionKey, "No URL session is available to send the request."}}};

@@ -7,6 +7,7 @@
 
 #include <sqlite3.h>
 
+#include "SqliteStatement.h"
 #include "varnel/host/KTVCPrintUtility.h"
 
 namespace varnel::standalone {
@@ -25,45 +26,9 @@ Error storeError(const fs::path& path, int code, const std::string& message) {
   return Error{kSqliteUserDefaultsErrorDomain, code, Json{{"message", message}, {"path", path.string()}}};
 }
 
-/// One prepared statement, finalised on scope exit.
-class Statement {
- public:
-  Statement(sqlite3* database, const char* sql) : database_(database) {
-    if (sqlite3_prepare_v2(database, sql, -1, &statement_, nullptr) != SQLITE_OK) statement_ = nullptr;
-  }
-  ~Statement() { sqlite3_finalize(statement_); }
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-
-  bool prepared() const { return statement_ != nullptr; }
-  void bind(int index, std::string_view text) {
-    sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
-  }
-  /// SQLITE_ROW, SQLITE_DONE or the error code.
-  int step() { return statement_ ? sqlite3_step(statement_) : sqlite3_errcode(database_); }
-  std::string text(int column) const {
-    const auto* bytes = sqlite3_column_text(statement_, column);
-    return bytes ? std::string(reinterpret_cast<const char*>(bytes),
-                               static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)))
-                 : std::string();
-  }
-  std::int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
-
- private:
-  sqlite3* database_;
-  sqlite3_stmt* statement_ = nullptr;
-};
-
-bool execute(sqlite3* database, const char* sql) {
-  return sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
-}
-
-/// The single integer answered by a pragma or count query; none on failure.
-std::optional<std::int64_t> queryInteger(sqlite3* database, const char* sql) {
-  Statement statement(database, sql);
-  if (statement.step() != SQLITE_ROW) return std::nullopt;
-  return statement.integer(0);
-}
+using sqlite::execute;
+using sqlite::queryInteger;
+using sqlite::Statement;
 
 std::optional<DefaultsValue> decodeStored(const std::string& text) {
   const Json encoded = Json::parse(text, nullptr, false);

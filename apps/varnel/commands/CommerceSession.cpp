@@ -5,6 +5,7 @@
 
 #include "Command.h"
 #include "commands/ErrorReport.h"
+#include "commands/RenewalOutput.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
 #include "varnel/host/Registry.h"
@@ -12,6 +13,7 @@
 #include "varnel/mock/MockCommerceServer.h"
 #include "varnel/platform/MainQueue.h"
 #include "varnel/standalone/FileEntitlementsManager.h"
+#include "varnel/standalone/SqliteRenewalJournal.h"
 #include "varnel/standalone/SqliteUserDefaults.h"
 #include "varnel/standalone/StaticAuthenticationService.h"
 #include "varnel/standalone/network/JsonEnvironment.h"
@@ -37,6 +39,10 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
       options.defaultsPath.empty() ? std::nullopt : std::optional<std::filesystem::path>(options.defaultsPath));
   if (!store) throw UsageError("cannot open the settings store: " + localizedDescription(store.error()));
   Registry::set<UserDefaults>(store.value());
+  auto journal = standalone::SqliteRenewalJournal::open(store.value()->path());
+  if (!journal) throw UsageError(localizedDescription(journal.error()));
+  journal_ = journal.value();
+  Registry::set<RenewalJournal>(journal_);
 
   const std::filesystem::path file = options.guestFile.empty()
                                          ? varnelResourceDirectory() / "guests" / "sample-guest.json"
@@ -69,11 +75,17 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
     mainQueue_ = std::make_shared<standalone::RunLoopMainQueue>();
     Registry::set<MainQueue>(mainQueue_);
   }
+  if (const std::string notice = pendingNotice(pendingRenewals()); !notice.empty()) std::cerr << notice << '\n';
+}
+
+std::vector<RenewalJournalEntry> CommerceSession::pendingRenewals() const {
+  return guest_.kuid ? journal_->unfinished(*guest_.kuid) : std::vector<RenewalJournalEntry>{};
 }
 
 CommerceSession::~CommerceSession() {
   standalone::uninstallStandaloneNetworking();
   networking_ = {};
+  host::Registry::set<RenewalJournal>(nullptr);
   if (embeddedServer_) embeddedServer_->stop();
 }
 
@@ -82,11 +94,8 @@ bool CommerceSession::runUntil(const std::function<bool()>& done) {
     mainQueue_->runUntil(done, std::chrono::milliseconds(50));
     if (done()) break;
     // Callbacks hand their results to the main queue before the networking
-    // counts them out, so once nothing is in flight a last drain sees them all.
-    if (networking_.client->callsInFlight() == 0) {
-      mainQueue_->drain();
-      return done();
-    }
+    // counts them out: with nothing in flight, what is queued is all there is.
+    if (networking_.client->callsInFlight() == 0 && mainQueue_->drain() == 0) return done();
   }
   return true;
 }

@@ -11,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "varnel/checkout/RenewalJournal.h"
 #include "varnel/entitlements/VNLVarnel.h"
 #include "varnel/host/KTVCParkResortContext.h"
 #include "varnel/host/KTVRPrivateDataService.h"
@@ -50,8 +51,9 @@ struct CallbackOutcome {
 
 class CommerceSession {
  public:
-  /// Signs the guest in and installs the networking; a UsageError for an
-  /// unreadable guest file, settings store or server URL.
+  /// Signs the guest in, installs the networking and the renewal journal, and
+  /// says on stderr when the guest has renewals to finish; a UsageError for
+  /// an unreadable guest file, settings store or server URL.
   explicit CommerceSession(const CommerceOptions& options);
   ~CommerceSession();
 
@@ -67,8 +69,12 @@ class CommerceSession {
   /// networking has nothing left in flight that could still call one.
   CallbackOutcome await(const std::function<void(KTVRSuccessBlock, KTVRFailureBlock)>& start);
 
-  /// Runs the main queue until `done()` or until nothing is in flight.
+  /// Runs the main queue until `done()`, or until nothing is in flight and
+  /// nothing is queued that could still bring it about.
   bool runUntil(const std::function<bool()>& done);
+
+  /// The signed-in guest's renewals whose checkout has no answer yet.
+  std::vector<RenewalJournalEntry> pendingRenewals() const;
 
  private:
   standalone::GuestData guest_;
@@ -76,6 +82,7 @@ class CommerceSession {
   std::unique_ptr<mock::MockCommerceServer> embeddedServer_;
   standalone::StandaloneNetworking networking_;
   std::shared_ptr<standalone::RunLoopMainQueue> mainQueue_;
+  std::shared_ptr<RenewalJournal> journal_;
   VNLVarnel varnel_;
 };
 

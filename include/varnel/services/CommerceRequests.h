@@ -16,6 +16,7 @@
 // "create-order-purchase" ("order-id"); "env2-profile-service" and
 // "env2-service-host" give the ENV2 addresses (placeholders when missing).
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -47,6 +48,10 @@ void createOrderRequest(KTVRPrivateDataService& service, const VNLCreateOrderPar
 /// kNoURLSessionErrorCode.
 void monthlyContractRequest(KTVRPrivateDataService& service, const std::string& orderId, const Json& parameters,
                             KTVRSuccessBlock successResponse, KTVRFailureBlock failureResponse);
+/// The same, sent through `session` (none: fails as without a registered session).
+void monthlyContractRequest(KTVRPrivateDataService& service, const std::shared_ptr<URLSession>& session,
+                            const std::string& orderId, const Json& parameters, KTVRSuccessBlock successResponse,
+                            KTVRFailureBlock failureResponse);
 
 /// Pays for `orderId` with the body `parametersDictionary`. Nobody signed in:
 /// logs "Please, login first" and calls nothing. The ENV2 switch replaces the
