@@ -267,13 +267,18 @@ void SqliteUserDefaults::write(std::string_view key, std::optional<DefaultsValue
 }
 
 bool SqliteUserDefaults::commit(const std::string& key, const std::optional<std::string>& encoded) {
-  // One statement in autocommit mode is its own transaction.
+  // One statement in autocommit mode is its own transaction. A removal need
+  // not wait for the disk: it survives a killed process at once, and a power
+  // cut from the next synced write on.
+  if (!encoded) execute(database_, "PRAGMA synchronous=NORMAL");
   Statement statement(database_, encoded ? "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
                                            "ON CONFLICT (key) DO UPDATE SET value = excluded.value"
                                          : "DELETE FROM defaults WHERE key = ?1");
   statement.bind(1, key);
   if (encoded) statement.bind(2, *encoded);
-  if (statement.step() == SQLITE_DONE) return true;
+  const int result = statement.step();
+  if (!encoded) execute(database_, "PRAGMA synchronous=FULL");
+  if (result == SQLITE_DONE) return true;
   KTVCPrintUtility::errorPrint("cannot write \"" + key + "\" to " + path_.string() + ": " +
                                sqlite3_errmsg(database_));
   return false;
@@ -285,9 +290,8 @@ bool SqliteUserDefaults::synchronize() {
     const auto encoded = pending->second ? encodeForStorage(*pending->second) : std::nullopt;
     pending = commit(pending->first, encoded) ? unsaved_.erase(pending) : std::next(pending);
   }
-  // Committed writes are already durable in the log; folding it into the
-  // main file only keeps the log short, so a busy reader is no failure.
-  sqlite3_wal_checkpoint_v2(database_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+  // Committed writes are already durable in the log, which SQLite folds into
+  // the main file by itself as it grows.
   const bool everythingWritten = unsaved_.empty() && !refusedSinceSynchronize_;
   refusedSinceSynchronize_ = false;
   return everythingWritten;

@@ -166,6 +166,12 @@ Reply CommerceService::checkout(const Call& call, const Endpoint& endpoint, cons
   if (order.charges > 0) {
     return jsonReply(409, bookingError("ORDER_ALREADY_PURCHASED", "The order has already been paid for."));
   }
+  // Orders made at the same time may renew the same pass: only the first paid one does.
+  for (const OrderLine& line : order.lines) {
+    if (renewedPasses_.contains(line.entitlementId)) {
+      return jsonReply(409, bookingError("ENTITLEMENT_ALREADY_RENEWED", "Another order has already renewed this pass."));
+    }
+  }
   auto paying = payingAccount(order, body);
   if (auto* refusal = std::get_if<Reply>(&paying)) return *refusal;
   const Json& account = *std::get<const Json*>(paying);

@@ -1,7 +1,9 @@
 // varnel renewals: the guest's renewable entitlements, soonest first, with
-// their count and the first renewal date.
+// their count and the first renewal date; with --pending, the guest's
+// renewals whose checkout is still unanswered, from the renewal journal.
 //
 //   varnel renewals [--guest FILE | --mock] [--json]
+//   varnel renewals --pending [--guest FILE] [--defaults PATH] [--json]
 
 #include <iostream>
 #include <memory>
@@ -12,6 +14,9 @@
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/platform/DefaultsValue.h"
 #include "varnel/purchase/RenewableState.h"
+#include "varnel/standalone/GuestDataFile.h"
+#include "varnel/standalone/SqliteRenewalJournal.h"
+#include "varnel/standalone/SqliteUserDefaults.h"
 
 namespace varnel::cli {
 namespace {
@@ -46,11 +51,55 @@ void listRenewals(const GuestOptions& options) {
             << "first renewal:  " << (firstRenewal.isUnknownMarker() ? "none" : localDateText(firstRenewal)) << '\n';
 }
 
+struct RenewalsOptions {
+  GuestOptions guest;
+  bool pending = false;
+  std::string defaultsPath;
+};
+
+void listPending(const RenewalsOptions& options) {
+  const std::filesystem::path file = options.guest.guestFile.empty()
+                                         ? varnelResourceDirectory() / "guests" / "sample-guest.json"
+                                         : std::filesystem::path(options.guest.guestFile);
+  auto guest = standalone::readGuestDataFile(file);
+  if (!guest) throw UsageError(standalone::describeGuestDataError(guest.error()));
+  auto path = standalone::SqliteUserDefaults::resolvePath(
+      options.defaultsPath.empty() ? std::nullopt : std::optional<std::filesystem::path>(options.defaultsPath));
+  if (!path) throw UsageError(localizedDescription(path.error()));
+  std::vector<RenewalJournalEntry> pending;
+  // A store that does not exist yet holds nothing, and is not made by a listing.
+  if (std::filesystem::exists(path.value()) && guest.value().kuid) {
+    auto journal = standalone::SqliteRenewalJournal::open(path.value());
+    if (!journal) throw UsageError(localizedDescription(journal.error()));
+    pending = journal.value()->unfinished(*guest.value().kuid);
+  }
+  if (options.guest.json) {
+    Json entries = Json::array();
+    for (const auto& entry : pending) entries.push_back(entry.toJson());
+    std::cout << dumpJson(Json{{"pending", entries}}) << '\n';
+    return;
+  }
+  if (pending.empty()) {
+    std::cout << "No unfinished renewals.\n";
+    return;
+  }
+  for (const auto& entry : pending) {
+    std::cout << "order " << entry.orderId << "  pass " << entry.passId << "  " << entry.amount << ' '
+              << entry.currency << "  card " << entry.cardReference << (entry.securityCodeEntered ? " (needs --cvv)" : "")
+              << '\n';
+  }
+  std::cout << "Finish with: varnel renew --resume\n";
+}
+
 void registerRenewalsCommand(CLI::App& app) {
-  auto options = std::make_shared<GuestOptions>();
+  auto options = std::make_shared<RenewalsOptions>();
   CLI::App* command = app.add_subcommand("renewals", "List the guest's renewable entitlements, soonest first");
-  addGuestOptions(*command, *options);
-  command->callback([options] { listRenewals(*options); });
+  addGuestOptions(*command, options->guest);
+  command->add_flag("--pending", options->pending,
+                    "List the renewals whose checkout is unanswered (finish them with varnel renew --resume)");
+  command->add_option("--defaults", options->defaultsPath,
+                      "User-defaults store holding the renewal journal (default: $VARNEL_DEFAULTS, else the per-user store)");
+  command->callback([options] { options->pending ? listPending(*options) : listRenewals(options->guest); });
 }
 
 const CommandRegistration renewalsRegistration{"renewals", &registerRenewalsCommand};

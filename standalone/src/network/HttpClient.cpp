@@ -20,6 +20,8 @@ struct HttpClient::Call final : HttpCall {
   Completion completion;
   int attempt = 1;
   bool write = false;
+  /// The settings key of a write whose idempotency key this client keeps.
+  std::string pendingWrite;
 
   std::mutex mutex;
   bool cancelled = false;
@@ -67,8 +69,8 @@ std::shared_ptr<HttpCall> HttpClient::send(HttpRequest request, Completion compl
   call->client = this;
   call->write = isWrite(request);
   if (call->write && !request.headers.contains(kIdempotencyKeyHeader)) {
-    request.headers.insert_or_assign(kIdempotencyKeyHeader,
-                                     keys_.keyForWrite(request.url, request.body.value_or("")));
+    call->pendingWrite = IdempotencyKeys::settingsKey(request.url, request.body.value_or(""));
+    request.headers.insert_or_assign(kIdempotencyKeyHeader, keys_.keyForWrite(call->pendingWrite));
   }
   call->request = std::move(request);
   call->completion = std::move(completion);
@@ -100,7 +102,7 @@ void HttpClient::finish(const std::shared_ptr<Call>& call, HttpOutcome outcome) 
     dispatch(call, wait);
     return;
   }
-  if (call->write && outcome.answered()) keys_.writeAnswered(call->request.url, call->request.body.value_or(""));
+  if (!call->pendingWrite.empty() && outcome.answered()) keys_.writeAnswered(call->pendingWrite);
   auto completion = std::move(call->completion);
   auto inFlight = inFlight_;
   completion(std::move(outcome));  // may release this client

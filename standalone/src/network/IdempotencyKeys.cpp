@@ -4,6 +4,8 @@
 #include <openssl/rand.h>
 
 #include <array>
+#include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <mutex>
@@ -23,6 +25,14 @@ std::string hex(const unsigned char* bytes, std::size_t count) {
     text += kDigits[bytes[i] & 0x0f];
   }
   return text;
+}
+
+/// Separates a kept key from the time it was kept (seconds since 1970).
+constexpr char kKeptSince = '@';
+
+std::int64_t nowSeconds() {
+  return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
+      .count();
 }
 
 /// Keys of writes while no settings store is registered.
@@ -73,32 +83,48 @@ std::string IdempotencyKeys::settingsKey(std::string_view url, std::string_view 
   return std::string(kPendingWritePrefix) + hex(digest.data(), length);
 }
 
-std::string IdempotencyKeys::keyForWrite(std::string_view url, std::string_view body) {
-  const std::string settingsKeyText = settingsKey(url, body);
+std::string IdempotencyKeys::keyForWrite(const std::string& pendingWrite) {
   std::lock_guard lock(keysMutex());
   auto defaults = store();
   if (!defaults) {
-    auto [it, inserted] = memoryKeys().try_emplace(settingsKeyText, "");
+    auto [it, inserted] = memoryKeys().try_emplace(pendingWrite, "");
     if (inserted) it->second = freshKey();
     return it->second;
   }
-  if (auto kept = defaults->stringForKey(settingsKeyText); kept && !kept->empty()) return *kept;
+  if (!abandonedDropped_) dropAbandoned(*defaults);
+  if (auto kept = defaults->stringForKey(pendingWrite); kept && !kept->empty()) {
+    return kept->substr(0, kept->find(kKeptSince));
+  }
   std::string key = freshKey();
-  defaults->setString(settingsKeyText, key);
+  defaults->setString(pendingWrite, key + kKeptSince + std::to_string(nowSeconds()));
   defaults->synchronize();
   return key;
 }
 
-void IdempotencyKeys::writeAnswered(std::string_view url, std::string_view body) {
-  const std::string settingsKeyText = settingsKey(url, body);
+void IdempotencyKeys::writeAnswered(const std::string& pendingWrite) {
   std::lock_guard lock(keysMutex());
   auto defaults = store();
   if (!defaults) {
-    memoryKeys().erase(settingsKeyText);
+    memoryKeys().erase(pendingWrite);
     return;
   }
-  defaults->removeObjectForKey(settingsKeyText);
-  defaults->synchronize();
+  defaults->removeObjectForKey(pendingWrite);
+}
+
+void IdempotencyKeys::dropAbandoned(UserDefaults& defaults) {
+  abandonedDropped_ = true;
+  const auto oldest = nowSeconds() - std::chrono::duration_cast<std::chrono::seconds>(kAbandonedAfter).count();
+  for (const auto& [name, value] : defaults.dictionaryRepresentation()) {
+    if (!name.starts_with(kPendingWritePrefix)) continue;
+    const auto* text = value.get<std::string>();
+    const auto since = text ? text->find(kKeptSince) : std::string::npos;
+    std::int64_t keptAt = 0;
+    if (since != std::string::npos) {
+      const char* first = text->data() + since + 1;
+      std::from_chars(first, text->data() + text->size(), keptAt);
+    }
+    if (keptAt < oldest) defaults.removeObjectForKey(name);
+  }
 }
 
 }  // namespace varnel::standalone

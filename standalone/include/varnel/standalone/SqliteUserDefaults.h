@@ -4,7 +4,8 @@
 //
 // Every write goes through at once in its own transaction (write-ahead log,
 // synchronous=FULL), so a value whose write returned is on disk even if the
-// process is killed right after. Reads go to the file each time and so see
+// process is killed right after. A removal survives a killed process at once
+// and a power cut from the next write on: it costs no wait for the disk. Reads go to the file each time and so see
 // what other processes wrote. A write that could not be committed (the file
 // stayed locked, the disk is full) is kept in memory, still visible to this
 // process, and retried by synchronize(), which answers whether everything is
@@ -67,8 +68,8 @@ class SqliteUserDefaults final : public UserDefaults {
   void setObject(std::string_view key, DefaultsValue value) override;
   void removeObjectForKey(std::string_view key) override;
   std::map<std::string, DefaultsValue, std::less<>> dictionaryRepresentation() const override;
-  /// Retries the writes that have not reached the file, then checkpoints the
-  /// log; true when every write so far is on disk.
+  /// Retries the writes that have not reached the file; true when every
+  /// write so far is on disk. Costs nothing when all of them are.
   bool synchronize() override;
 
   const std::filesystem::path& path() const { return path_; }
