@@ -1,0 +1,203 @@
+// The renewal road against the mock commerce service over loopback HTTP: the
+// three outcomes and what reaches the service for each, an interrupted
+// checkout finished with the same key and no second charge, one renewal per
+// pass in flight, and a cancel before the checkout.
+
+#include <gtest/gtest.h>
+
+#include "checkout/RenewalOverHttp.h"
+#include "varnel/checkout/RenewalFlow.h"
+#include "varnel/host/ENTMEntitlementsManager.h"
+#include "varnel/host/Registry.h"
+#include "varnel/mock/MockFault.h"
+#include "varnel/standalone/FileEntitlementsManager.h"
+
+namespace varnel::testing {
+namespace {
+
+using Kind = RenewalOutcome::Kind;
+using State = RenewalJournalEntry::State;
+
+/// A guest who pays with a chosen card (the first when none is named),
+/// accepts, signs, and remembers how the renewal ended.
+class ScriptedGuest final : public RenewalFlowDelegate {
+ public:
+  void chooseCard(const RenewalOrder&, const std::vector<PaymentAccount>& accounts, CardReply reply) override {
+    reply(accounts.empty() ? std::nullopt : std::optional<PaymentAccount>(accounts.front()));
+  }
+  void acceptTerms(const RenewalOrder&, Reply reply) override {
+    if (holdTerms) {
+      heldTerms = reply;
+      return;
+    }
+    reply(true);
+  }
+  void signContract(const VNLContractDataModel&, Reply reply) override { reply(true); }
+  void renewalFlowDidEnd(const RenewalOutcome& ended) override {
+    EXPECT_FALSE(outcome.has_value()) << "a renewal ended twice";
+    outcome = ended;
+  }
+
+  bool holdTerms = false;
+  Reply heldTerms;
+  std::optional<RenewalOutcome> outcome;
+};
+
+class RenewalFlowTest : public RenewalOverHttpTest {
+ protected:
+  void SetUp() override {
+    RenewalOverHttpTest::SetUp();
+    auto manager =
+        standalone::FileEntitlementsManager::open(std::string(VARNEL_TEST_RESOURCE_DIR) + "/guests/sample-guest.json");
+    ASSERT_TRUE(manager.ok());
+    host::Registry::set<ENTMEntitlementsManager>(manager.value());
+  }
+
+  /// Starts a renewal of kRenewablePass and runs network and main queue until both are still.
+  std::shared_ptr<ScriptedGuest> renew(RenewalRequest request, std::shared_ptr<ScriptedGuest> guest = nullptr) {
+    if (!guest) guest = std::make_shared<ScriptedGuest>();
+    auto flow = RenewalFlow::create(guest, journal);
+    if (request.passId.empty() && !request.journalEntry) request.passId = kRenewablePass;
+    request.parkContext = std::make_shared<KTVCParkResortContext>(kResortChoiceEast);
+    flow->start(std::move(request));
+    drive();
+    flows.push_back(flow);
+    return guest;
+  }
+  void drive() {
+    for (int round = 0; round < 1000; ++round) {
+      settle();
+      if (mainQueue->runAll() == 0 && networking.client->callsInFlight() == 0) return;
+    }
+    ADD_FAILURE() << "the renewal did not settle";
+  }
+  void fault(const std::string& endpoint, const std::string& kind) {
+    auto parsed = mock::Fault::parse(kind);
+    ASSERT_TRUE(parsed.ok()) << kind;
+    ASSERT_FALSE(server->setFault({endpoint, parsed.value()})) << kind;
+  }
+  std::vector<RenewalJournalEntry> journalled() const { return journal->entries(household.kuid.value_or("")); }
+
+  std::shared_ptr<InMemoryRenewalJournal> journal = std::make_shared<InMemoryRenewalJournal>();
+  std::vector<std::shared_ptr<RenewalFlow>> flows;
+};
+
+TEST_F(RenewalFlowTest, EachAnswerEndsInOneOfThreeOutcomesAndOnlyABookedAnswerIsConfirmed) {
+  struct Row {
+    std::string name;
+    bool monthly;
+    std::string card;
+    std::string endpoint, fault;
+    Kind kind;
+    RenewalStep step;
+    int charges;
+    std::size_t checkouts;
+  };
+  const std::vector<Row> rows{
+      {"paid in full", false, "", "", "", Kind::confirmed, RenewalStep::confirmation, 1, 1},
+      {"monthly with its contract", true, "", "", "", Kind::confirmed, RenewalStep::confirmation, 1, 1},
+      {"declined card", false, "CARD-REF-0003", "", "", Kind::refused, RenewalStep::checkout, 0, 1},
+      {"answer lost after the charge", false, "", "create-order-purchase", "reset-after*1", Kind::unknown,
+       RenewalStep::checkout, 1, 5},
+      {"success without a confirmation", false, "", "create-order-purchase", "status:200", Kind::unknown,
+       RenewalStep::checkout, 0, 1},
+      {"answer that is an array", false, "", "create-order-purchase", "array", Kind::unknown, RenewalStep::checkout,
+       0, 1},
+      {"answer that is not JSON", false, "", "create-order-purchase", "malformed", Kind::unknown,
+       RenewalStep::checkout, 0, 1},
+      {"order without identifier", false, "", "create-orders", "status:200", Kind::refused, RenewalStep::order, 0, 0},
+      {"unknown card named up front", false, "CARD-REF-0999", "", "", Kind::refused, RenewalStep::cards, 0, 0},
+      {"contract without text", true, "", "create-contract", "status:200", Kind::refused, RenewalStep::contract, 0, 0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    restart();
+    journal = std::make_shared<InMemoryRenewalJournal>();
+    if (!row.fault.empty()) fault(row.endpoint, row.fault);
+    // The retries of a lost checkout meet resets that do not act on them.
+    if (row.fault == "reset-after*1") fault(row.endpoint, "reset");
+    RenewalRequest request;
+    request.monthlyPlan = row.monthly;
+    request.cardReference = row.card;
+    const auto guest = renew(request);
+    ASSERT_TRUE(guest->outcome);
+    const RenewalOutcome& outcome = *guest->outcome;
+    EXPECT_EQ(outcome.kind, row.kind) << outcome.reason;
+    EXPECT_EQ(outcome.step, row.step) << outcome.reason;
+    EXPECT_EQ(requestsTo("create-order-purchase").size(), row.checkouts);
+    if (!outcome.orderId.empty()) {
+      EXPECT_EQ(chargesOf(outcome.orderId), row.charges);
+    }
+    if (row.step == RenewalStep::cards) {
+      EXPECT_TRUE(requestsTo("create-orders").empty()) << "an orphan order";
+    }
+    if (row.kind == Kind::confirmed) {
+      EXPECT_TRUE(outcome.confirmation && isBookedConfirmation(*outcome.confirmation));
+    }
+    if (row.kind == Kind::unknown) {
+      EXPECT_EQ(outcome.error, APError::PaymentLostConnection);
+    }
+    // The journal keeps exactly the renewals that reached the checkout, and an
+    // unknown one stays to be finished.
+    const auto entries = journalled();
+    ASSERT_EQ(entries.size(), row.checkouts > 0 ? 1u : 0u);
+    if (!entries.empty()) {
+      const State expected = row.kind == Kind::confirmed ? State::confirmed
+                             : row.kind == Kind::unknown ? State::pending
+                                                         : State::refused;
+      EXPECT_EQ(entries.front().state, expected);
+      EXPECT_FALSE(entries.front().checkoutBody.dump().find("cvv2") != std::string::npos);
+    }
+  }
+}
+
+TEST_F(RenewalFlowTest, AnInterruptedCheckoutIsFinishedWithTheSameKeyAndChargedOnce) {
+  fault("create-order-purchase", "reset-after*1");
+  fault("create-order-purchase", "reset");
+  const auto lost = renew({});
+  ASSERT_EQ(lost->outcome->kind, Kind::unknown);
+  server->clearFaults();
+
+  // Renewing the pass again finishes the earlier checkout instead of ordering anew.
+  const auto finished = renew({});
+  ASSERT_EQ(finished->outcome->kind, Kind::confirmed) << finished->outcome->reason;
+  EXPECT_TRUE(finished->outcome->finishedEarlier);
+  EXPECT_EQ(finished->outcome->orderId, lost->outcome->orderId);
+  EXPECT_EQ(requestsTo("create-orders").size(), 1u);
+  EXPECT_EQ(chargesOf(lost->outcome->orderId), 1);
+  const auto checkouts = requestsTo("create-order-purchase");
+  ASSERT_EQ(checkouts.size(), 6u);  // five tries of the lost one, one to finish it
+  for (const Json& sent : checkouts) {
+    EXPECT_EQ(headerOf(sent, "Idempotency-Key"), headerOf(checkouts.front(), "Idempotency-Key"));
+  }
+  EXPECT_EQ(journalled().front().state, State::confirmed);
+  EXPECT_EQ(journalled().front().confirmationNumber, finished->outcome->confirmation->confirmationNumber());
+}
+
+TEST_F(RenewalFlowTest, APassHasOneRenewalInFlightAndACancelBeforeCheckoutChargesNothing) {
+  auto holding = std::make_shared<ScriptedGuest>();
+  holding->holdTerms = true;
+  renew({}, holding);
+  ASSERT_TRUE(holding->heldTerms) << "the guest was not asked for the terms";
+
+  const auto second = renew({});
+  ASSERT_TRUE(second->outcome);
+  EXPECT_EQ(second->outcome->kind, Kind::refused);
+  EXPECT_TRUE(second->outcome->busy);
+  EXPECT_EQ(requestsTo("create-orders").size(), 1u) << "a second order for a pass in flight";
+
+  flows.front()->cancel();
+  drive();
+  ASSERT_TRUE(holding->outcome);
+  EXPECT_EQ(holding->outcome->kind, Kind::refused);
+  holding->heldTerms(true);  // too late: ignored
+  drive();
+  EXPECT_TRUE(requestsTo("create-order-purchase").empty());
+  EXPECT_TRUE(journalled().empty());
+
+  const auto after = renew({});
+  EXPECT_EQ(after->outcome->kind, Kind::confirmed) << after->outcome->reason;
+}
+
+}  // namespace
+}  // namespace varnel::testing
