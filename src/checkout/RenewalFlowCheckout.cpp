@@ -27,6 +27,9 @@ namespace {
 constexpr std::string_view kAlreadyRenewedType = "ENTITLEMENT_ALREADY_RENEWED";
 /// The same key came back with another body: here, another security code.
 constexpr std::string_view kKeyReusedType = "IDEMPOTENCY_KEY_REUSED";
+/// The order is paid, by an earlier try of this very checkout whose answer
+/// has not been kept yet: the service will tell it once that try is over.
+constexpr std::string_view kAlreadyPurchasedType = "ORDER_ALREADY_PURCHASED";
 
 /// A random version-4 UUID.
 std::string newIdempotencyKey() {
@@ -65,7 +68,7 @@ void RenewalFlow::Impl::checkout() {
   entry_.amount = textAt(checkoutBody_, "amount");
   entry_.currency = textAt(checkoutBody_, "currency");
   entry_.idempotencyKey = newIdempotencyKey();
-  entry_.checkoutBody = checkout_detail::withoutSecurityCode(checkoutBody_);
+  entry_.checkoutBody = RenewalJournalEntry::withoutSecurityCode(checkoutBody_);
   if (auto error = journal_->recordCheckout(entry_)) {
     return refuse(Step::checkout, std::nullopt,
                   "the renewal could not be written down before paying (" + localizedDescription(*error) +
@@ -132,6 +135,7 @@ void RenewalFlow::Impl::checkoutAnswered(const RequestEnd& end) {
     if (type == kKeyReusedType) {
       return unknown("the security code does not match the one of the interrupted checkout");
     }
+    if (type == kAlreadyPurchasedType) return unknown("the order is paid, its confirmation is not ready yet");
     journal_->finish(entry_.id, State::refused, "");
     outcome_.alreadyRenewed = type == kAlreadyRenewedType;
     return refuse(Step::checkout, end.error ? commerceErrorOf(*end.error) : std::nullopt,

@@ -75,16 +75,6 @@ const PaymentAccount* findCard(const std::vector<PaymentAccount>& accounts, cons
   return nullptr;
 }
 
-Json withoutSecurityCode(Json body) {
-  auto payments = body.find("payments");
-  if (payments == body.end() || !payments->is_array()) return body;
-  for (auto& payment : *payments) {
-    auto reference = payment.find("paymentReference");
-    if (reference != payment.end() && reference->is_object()) reference->erase("cvv2");
-  }
-  return body;
-}
-
 Json withSecurityCodeOf(Json body, const std::string& securityCode) {
   auto payments = body.find("payments");
   if (payments == body.end() || !payments->is_array()) return body;

@@ -23,8 +23,7 @@ Json renewalProduct(const VNLEntitlement& pass, const std::string& signedInGuest
 /// The stored card with this retrieval reference number; null when none.
 const PaymentAccount* findCard(const std::vector<PaymentAccount>& accounts, const std::string& reference);
 
-/// The express-checkout body without / with the card's security code.
-Json withoutSecurityCode(Json body);
+/// The express-checkout body with the card's security code.
 Json withSecurityCodeOf(Json body, const std::string& securityCode);
 
 }  // namespace varnel::checkout_detail

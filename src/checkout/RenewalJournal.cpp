@@ -55,6 +55,16 @@ Json RenewalJournalEntry::toJson() const {
               {"updatedAt", updatedAt}};
 }
 
+Json RenewalJournalEntry::withoutSecurityCode(Json body) {
+  auto payments = body.find("payments");
+  if (payments == body.end() || !payments->is_array()) return body;
+  for (auto& payment : *payments) {
+    auto reference = payment.find("paymentReference");
+    if (reference != payment.end() && reference->is_object()) reference->erase("cvv2");
+  }
+  return body;
+}
+
 InMemoryRenewalJournal::Row* InMemoryRenewalJournal::find(std::int64_t id) {
   const auto it = std::find_if(rows_.begin(), rows_.end(), [id](const Row& row) { return row.entry.id == id; });
   return it == rows_.end() ? nullptr : &*it;
@@ -105,6 +115,7 @@ std::optional<Error> InMemoryRenewalJournal::recordCheckout(const RenewalJournal
   if (!row || !row->owned) return journalError("the renewal is not claimed");
   const std::int64_t createdAt = row->entry.createdAt;
   row->entry = entry;
+  row->entry.checkoutBody = RenewalJournalEntry::withoutSecurityCode(entry.checkoutBody);
   row->entry.state = State::pending;
   row->entry.createdAt = createdAt;
   row->entry.updatedAt = nowSeconds();

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <chrono>
 #include <fstream>
+#include <mutex>
 #include <sstream>
 
 #include "SqliteStatement.h"
@@ -50,9 +51,16 @@ std::optional<std::string> processStart(long pid) {
 }
 
 /// This process, as an owner: its ID and start time, so that a later process
-/// given the same ID is not taken for it.
-const std::string& selfOwner() {
-  static const std::string owner = std::to_string(getpid()) + ":" + processStart(getpid()).value_or("");
+/// given the same ID is not taken for it. Made anew in a forked child.
+std::string selfOwner() {
+  static std::mutex mutex;
+  static pid_t cachedFor = 0;
+  static std::string owner;
+  std::lock_guard lock(mutex);
+  if (cachedFor != getpid()) {
+    cachedFor = getpid();
+    owner = std::to_string(cachedFor) + ":" + processStart(cachedFor).value_or("");
+  }
   return owner;
 }
 
@@ -217,7 +225,7 @@ std::optional<Error> SqliteRenewalJournal::recordCheckout(const RenewalJournalEn
   std::lock_guard lock(mutex_);
   std::string body;
   try {
-    body = entry.checkoutBody.dump();
+    body = RenewalJournalEntry::withoutSecurityCode(entry.checkoutBody).dump();
   } catch (const Json::exception&) {
     return Error{kRenewalJournalErrorDomain, SQLITE_MISMATCH,
                  Json{{kErrorLocalizedDescriptionKey, "the checkout cannot be written down (text that is not UTF-8)"}}};

@@ -69,6 +69,9 @@ struct RenewalJournalEntry {
   static std::optional<State> stateNamed(std::string_view name);
   /// The entry for people and tools (never a body: it holds e-mail addresses).
   Json toJson() const;
+  /// An express-checkout body without the card's security code: what a
+  /// journal keeps of it, whatever it is given.
+  static Json withoutSecurityCode(Json body);
 };
 
 class RenewalJournal {
