@@ -1,0 +1,127 @@
+// `varnel renew` processes against one mock commerce server: renewals of one
+// pass raced from one store and from several are charged once, and a renewal
+// killed while its checkout is on the wire is finished by --resume with no
+// second charge.
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "mockcommerce/MockCommerceTestSupport.h"
+#include "varnel/mock/MockFault.h"
+#include "varnel/mock/MockCommerceServer.h"
+
+namespace varnel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RenewalRecoveryTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    serveAfresh();
+    directory = fs::temp_directory_path() / ("varnel-recovery-" + std::to_string(getpid()));
+    fs::create_directories(directory);
+  }
+  void TearDown() override {
+    server->stop();
+    fs::remove_all(directory);
+  }
+  void serveAfresh() {
+    if (server) server->stop();
+    auto started = mock::MockCommerceServer::start(
+        {.guest = mock::testing::sampleGuest(), .faults = {}, .routes = {}, .routeFaults = {}, .requestLog = {}});
+    ASSERT_TRUE(started.ok());
+    server = std::move(started.value());
+  }
+
+  /// Starts `varnel renew ARGUMENTS --server ...` with the store `store`; output discarded.
+  pid_t spawn(const std::string& store, const std::vector<std::string>& arguments) {
+    std::vector<std::string> words{VARNEL_CLI_PATH, "renew", "--server", server->baseUrl(),
+                                   "--defaults", (directory / store).string()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const pid_t child = fork();
+    if (child == 0) {
+      std::vector<char*> argv;
+      for (auto& word : words) argv.push_back(word.data());
+      argv.push_back(nullptr);
+      setenv("VARNEL_RESOURCE_DIR", VARNEL_TEST_RESOURCE_DIR, 1);
+      freopen("/dev/null", "w", stdout);
+      freopen("/dev/null", "w", stderr);
+      execv(argv[0], argv.data());
+      _exit(127);
+    }
+    return child;
+  }
+  static int exitStatus(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
+  int totalCharges() const {
+    int total = 0;
+    for (const auto& [order, charges] : server->charges()) total += charges;
+    return total;
+  }
+  void slowCheckouts(const std::string& kind) {
+    auto fault = mock::Fault::parse(kind);
+    ASSERT_TRUE(fault.ok());
+    ASSERT_FALSE(server->setFault({"create-order-purchase", fault.value()}));
+  }
+
+  std::unique_ptr<mock::MockCommerceServer> server;
+  fs::path directory;
+};
+
+TEST_F(RenewalRecoveryTest, RacedRenewalsOfOnePassChargeOnceFromOneStoreOrFromMany) {
+  for (const bool shared : {true, false}) {
+    SCOPED_TRACE(shared ? "one store" : "a store each");
+    serveAfresh();
+    slowCheckouts("delay:300");
+    std::vector<pid_t> renewals;
+    for (int i = 0; i < 3; ++i) {
+      renewals.push_back(spawn(shared ? "shared.sqlite3" : "own-" + std::to_string(i) + ".sqlite3",
+                               {"--pass", "AP-100201", "--accept-terms"}));
+    }
+    int renewed = 0;
+    for (pid_t child : renewals) {
+      const int status = exitStatus(child);
+      EXPECT_TRUE(status == 0 || status == 1) << status;
+      renewed += status == 0;
+    }
+    EXPECT_EQ(renewed, 1);
+    EXPECT_EQ(totalCharges(), 1);
+  }
+}
+
+TEST_F(RenewalRecoveryTest, ARenewalKilledDuringItsCheckoutIsFinishedByResumeWithoutASecondCharge) {
+  slowCheckouts("delay:1500*1");
+  const pid_t renewal = spawn("store.sqlite3", {"--accept-terms"});
+  // Kill it once its checkout is on the wire: the journal holds it by then.
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (server->journal().empty() || server->journal().back().value("endpoint", "") != "create-order-purchase") {
+    ASSERT_LT(std::chrono::steady_clock::now(), giveUp) << "the checkout never left";
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  kill(renewal, SIGKILL);
+  EXPECT_EQ(exitStatus(renewal), 128 + SIGKILL);
+  while (totalCharges() == 0) {
+    ASSERT_LT(std::chrono::steady_clock::now(), giveUp) << "the checkout was never charged";
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+
+  EXPECT_EQ(exitStatus(spawn("store.sqlite3", {"--resume"})), 0);
+  EXPECT_EQ(totalCharges(), 1);
+  EXPECT_EQ(exitStatus(spawn("store.sqlite3", {"--resume"})), 0) << "nothing left to finish";
+  EXPECT_EQ(totalCharges(), 1);
+}
+
+}  // namespace
+}  // namespace varnel::testing
