@@ -196,8 +196,8 @@ TEST_F(RoutingPresenterTest, LookupIsShownAndSavedOnTheMainQueue) {
   view.username = "jane doe";
   view.switchOn = true;
   presenter->testRoutingTapped();
-  ASSERT_EQ(session->pending.size(), 1u);
-  auto& sent = *session->pending.front();
+  ASSERT_EQ(session->tasks.size(), 1u);
+  auto& sent = *session->tasks.front();
   EXPECT_TRUE(sent.resumed);
   EXPECT_EQ(sent.request.httpMethod, "GET");
   EXPECT_EQ(sent.request.url, "http://127.0.0.1:9/mobile-commerce/index.php/rest/export/json/header?uid=jane doe");
@@ -234,7 +234,7 @@ TEST_F(RoutingPresenterTest, FailedOrUnparsableLookupsChangeNothing) {
                               {std::nullopt, 200, false}};
   for (const auto& outcome : outcomes) {
     presenter->fetchData(view.username);
-    auto& sent = *session->pending.back();
+    auto& sent = *session->tasks.back();
     sent.completion(outcome.data, outcome.status ? std::optional(URLResponse{sent.request.url, outcome.status, {}}) : std::nullopt,
                     outcome.transportError ? std::optional(Error{"test", 1, nullptr}) : std::nullopt);
   }
@@ -245,7 +245,7 @@ TEST_F(RoutingPresenterTest, FailedOrUnparsableLookupsChangeNothing) {
 
   // A completion that arrives after the screen is gone touches nothing.
   presenter->fetchData("late");
-  auto completion = session->pending.back()->completion;
+  auto completion = session->tasks.back()->completion;
   const auto answer = R"({"field_endpoint":{"value":"/x"},"field_simulator_header":{"value":"y"}})";
   completion(answer, URLResponse{"", 200, {}}, std::nullopt);
   presenter.reset();
@@ -256,7 +256,7 @@ TEST_F(RoutingPresenterTest, FailedOrUnparsableLookupsChangeNothing) {
 TEST_F(RoutingPresenterTest, WithoutAServerNothingIsSent) {
   const auto presenter = make("");
   presenter->fetchData("sam");
-  EXPECT_TRUE(session->pending.empty());
+  EXPECT_TRUE(session->tasks.empty());
 }
 
 TEST_F(RoutingPresenterTest, SwitchSavesAndLoadsWithTheUserName) {
