@@ -120,14 +120,26 @@ TEST_F(BusinessRequirementScreenTest, SwitchesFollowTheCommerceStateThroughEvery
   EXPECT_FALSE(VNLBusinessRequirementUtil::localValue(Keys::enableAnnualPassportRenewalsKey));
   EXPECT_FALSE(VNLBusinessRequirementUtil::localValue(Keys::enableAnnualPassportSalesKey));
 
-  // EVAS off from commerce on disables everything but EVAS.
+  // EVAS off from commerce on disables everything but EVAS on screen and
+  // writes only its own value; EVAS back on finds commerce as it was.
   screen.switchBusinessRequirement(Switch::commerce, true);
+  screen.switchBusinessRequirement(Switch::upgrades, true);
+  const auto tableBefore = VNLBusinessRequirementUtil::localValues();
   screen.switchBusinessRequirement(Switch::evas, false);
   EXPECT_TRUE(isIn<EvasOffState>(screen));
   expectSwitches(screen, {offEnabled, offDisabled, offDisabled, offDisabled, offDisabled});
-  EXPECT_FALSE(VNLBusinessRequirementUtil::localValue(Keys::enableAnnualPassportCommerceKey));
+  auto evasOff = tableBefore;
+  evasOff[std::string(Keys::enableEvasKey)] = false;
+  EXPECT_EQ(VNLBusinessRequirementUtil::localValues(), evasOff);
 
-  // EVAS back on leaves EvasOffState through commerce off.
+  screen.switchBusinessRequirement(Switch::evas, true);
+  EXPECT_TRUE(isIn<CommerceOnState>(screen));
+  expectSwitches(screen, {onEnabled, onEnabled, offEnabled, onEnabled, offEnabled});
+  EXPECT_EQ(VNLBusinessRequirementUtil::localValues(), tableBefore);
+
+  // From commerce off, EVAS off and on comes back to commerce off.
+  screen.switchBusinessRequirement(Switch::commerce, false);
+  screen.switchBusinessRequirement(Switch::evas, false);
   screen.switchBusinessRequirement(Switch::evas, true);
   EXPECT_TRUE(isIn<CommerceOffState>(screen));
   expectSwitches(screen, {onEnabled, offEnabled, offDisabled, offDisabled, offDisabled});
@@ -278,6 +290,17 @@ TEST_F(RoutingPresenterTest, SwitchSavesAndLoadsWithTheUserName) {
   presenter->saveDefaults(std::string(Routing::kInternalMockHeader), "E503");
   presenter->saveDefaults(std::nullopt, "E503");
   EXPECT_FALSE(defaults->objectForKey("ServiceErrorRoutingHeader")) << "a header without a name is removed";
+
+  // A switch move saves without a header: the header shown before is gone from the store and the screen.
+  presenter->saveDefaults(std::string(Routing::kInternalMockHeader), "E503");
+  presenter->viewDidAppear();
+  EXPECT_EQ(view.result, "Endpoint: X-Orvane-Internal-Mock-AP \nHeader: E503");
+  for (const bool on : {false, true}) {
+    view.switchOn = on;
+    presenter->serverErrorRoutingSwitchChanged();
+    EXPECT_FALSE(defaults->objectForKey("ServiceErrorRoutingHeader"));
+    EXPECT_EQ(view.result, "") << "switch " << on;
+  }
   presenter->saveDefaults(std::string(Routing::kInternalMockHeader), "E503");
 
   FakeRoutingView reopened;
