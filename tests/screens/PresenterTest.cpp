@@ -5,9 +5,6 @@
 #include "ScreenTestSupport.h"
 #include "varnel/requirements/VNLBusinessRequirementsKeys.h"
 #include "varnel/screens/VNLBusinessRequirementPresenter.h"
-#include "varnel/screens/VNLConfigurationPresenter.h"
-#include "varnel/screens/VNLGlobalSettingsPresenter.h"
-#include "varnel/settings/VNLCommerceSettings.h"
 #include "varnel/standalone/JsonRemoteConfiguration.h"
 
 namespace varnel::testing {
@@ -16,57 +13,6 @@ namespace {
 using Switch = VNLBusinessRequirementSwitch;
 using Keys = VNLBusinessRequirementsKeys;
 using Routing = ServerErrorRoutingPresenter;
-
-class MockSwitchTest : public ScreenTest {};
-
-TEST_F(MockSwitchTest, EachSwitchIsStoredAsABooleanUnderItsKeyAndSynchronised) {
-  const std::pair<VNLMockSwitch, const char*> rows[] = {
-      {VNLMockSwitch::entitlements, "VarnelEntitlementMockKey"},
-      {VNLMockSwitch::createOrder, "VarnelCreateOrderMockKey"},
-      {VNLMockSwitch::contract, "VarnelContractMockKey"},
-      {VNLMockSwitch::env, "VarnelENV2HeaderKey"},
-      {VNLMockSwitch::pendingHeader, "VarnelPendingOrderHeader"},
-      {VNLMockSwitch::env2ForCards, "VarnelENV2ForPaymentCards"},
-  };
-  for (const auto& [mockSwitch, key] : rows) {
-    SCOPED_TRACE(key);
-    EXPECT_FALSE(VNLConfigurationPresenter::storedValue(mockSwitch)) << "nothing stored reads as off";
-    const int synchronisedBefore = defaults->synchronizeCount;
-    VNLConfigurationPresenter::switchChanged(mockSwitch, true);
-    EXPECT_EQ(defaults->objectForKey(key), DefaultsValue(true));
-    EXPECT_EQ(defaults->synchronizeCount, synchronisedBefore + 1);
-    EXPECT_TRUE(VNLConfigurationPresenter::storedValue(mockSwitch));
-    VNLConfigurationPresenter::switchChanged(mockSwitch, false);
-    EXPECT_EQ(defaults->objectForKey(key), DefaultsValue(false));
-  }
-  EXPECT_EQ(defaults->dictionaryRepresentation().size(), std::size(rows)) << "one key per switch";
-}
-
-class PresetListTest : public ScreenTest {};
-
-TEST_F(PresetListTest, CheckMarkFollowsTheStoredPresetAndTheChosenRow) {
-  VNLGlobalSettingsPresenter presets;
-  presets.viewWillAppear();
-  EXPECT_EQ(presets.currentConfiguration(), VNLConfiguration::unknown);
-
-  presets.didSelect(VNLConfiguration::zlt_4_6);
-  EXPECT_EQ(presets.currentConfiguration(), VNLConfiguration::zlt_4_6) << "the chosen row keeps the mark";
-  EXPECT_EQ(log->count("Will configure for \"zlt_4_6\""), 1u);
-  EXPECT_EQ(log->lines().back().site.function, "_didChangeSelection(to:)");
-  EXPECT_EQ(defaults->synchronizeCount, 1);
-
-  VNLGlobalSettingsPresenter reopened;
-  reopened.viewWillAppear();
-  EXPECT_EQ(reopened.currentConfiguration(), VNLConfiguration::apRenewals) << "zlt_4_6 writes the renewal preset";
-
-  const auto stored = defaults->dictionaryRepresentation();
-  reopened.didSelect(VNLConfiguration::unknown);
-  EXPECT_EQ(reopened.currentConfiguration(), VNLConfiguration::unknown);
-  EXPECT_EQ(defaults->dictionaryRepresentation(), stored) << "unknown writes nothing";
-  EXPECT_EQ(defaults->synchronizeCount, 1);
-  EXPECT_EQ(VNLGlobalSettingsPresenter::detailFor(VNLConfiguration::rideslot),
-            "EVAS on, bring-pass alert hidden, coloured passes");
-}
 
 class BusinessRequirementScreenTest : public ScreenTest {
  protected:
@@ -263,12 +209,10 @@ TEST_F(RoutingPresenterTest, FailedOrUnparsableLookupsChangeNothing) {
   presenter.reset();
   EXPECT_EQ(mainQueue->runAll(), 1u);
   EXPECT_TRUE(defaults->dictionaryRepresentation().empty());
-}
 
-TEST_F(RoutingPresenterTest, WithoutAServerNothingIsSent) {
-  const auto presenter = make("");
-  presenter->fetchData("sam");
-  EXPECT_TRUE(session->tasks.empty());
+  const std::size_t sent = session->tasks.size();
+  make("")->fetchData("sam");
+  EXPECT_EQ(session->tasks.size(), sent) << "without a server nothing is sent";
 }
 
 TEST_F(RoutingPresenterTest, SwitchSavesAndLoadsWithTheUserName) {
