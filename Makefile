@@ -1,14 +1,19 @@
 # The two everyday commands:
 #   make run    the main job on the embedded defaults
 #   make test   install what is missing, build with sanitizers, run every test
-.PHONY: run test build build-tsan bench bootstrap clean
+.PHONY: run test build build-tsan bench bootstrap bootstrap-run clean
 
 JOBS ?= 2
 # The programs the main job runs; `make run` builds these and nothing else.
 RUN_TARGETS ?= varnel varnel-mock-commerce
 
+# What each job needs: `make run` installs only the main job's packages;
+# `make test` everything else as well (test framework, Qt, benchmark, clang).
 bootstrap:
-	@scripts/bootstrap
+	@scripts/bootstrap test
+
+bootstrap-run:
+	@scripts/bootstrap run
 
 build: bootstrap
 	cmake --preset dev
@@ -24,12 +29,13 @@ test: build
 	$(MAKE) --no-print-directory build-tsan
 	ctest --preset tsan
 
-run: bootstrap
+run: bootstrap-run
 	@cmake --preset run > /dev/null
 	@cmake --build --preset run -j $(JOBS) --target $(RUN_TARGETS)
 	@VARNEL_BIN_DIR=build/run/apps scripts/demo
 
-bench: bootstrap
+bench:
+	@scripts/bootstrap bench
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS)
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done

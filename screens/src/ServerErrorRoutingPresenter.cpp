@@ -133,21 +133,28 @@ void ServerErrorRoutingPresenter::saveDefaults(const std::optional<std::string>&
   store->synchronize();
 }
 
+std::optional<std::string> ServerErrorRoutingPresenter::storedResultText() {
+  const auto store = host::Registry::get<UserDefaults>();
+  const auto stored = store ? store->objectForKey(kSERActivateRoutingKey) : std::nullopt;
+  const auto* headers = stored ? stored->get<DefaultsDictionary>() : nullptr;
+  if (!headers || headers->empty()) return std::nullopt;
+  // The stored dictionary keeps the header's name where the lookup showed its endpoint.
+  const auto& [name, value] = *headers->begin();
+  const auto* text = value.get<std::string>();
+  return resultText(name, text ? *text : "");
+}
+
 void ServerErrorRoutingPresenter::loadDefaults() {
   const auto store = host::Registry::get<UserDefaults>();
   view_.setUsernameText(store ? store->stringForKey(kSERUserNameKey).value_or("") : "");
-  if (const auto stored = store ? store->objectForKey(kSERActivateRoutingKey) : std::nullopt) {
-    // The stored dictionary keeps the header's name where the lookup showed its endpoint.
-    if (const auto* headers = stored->get<DefaultsDictionary>(); headers && !headers->empty()) {
-      const auto& [name, value] = *headers->begin();
-      const auto* text = value.get<std::string>();
-      view_.setResultText(resultText(name, text ? *text : ""));
-    }
-  }
+  if (const auto text = storedResultText()) view_.setResultText(*text);
   view_.setRoutingSwitchOn(store && store->boolForKey(kSERUseFeatureKey));
 }
 
-void ServerErrorRoutingPresenter::updateUI() { view_.setRoutingControlsHidden(!view_.isRoutingSwitchOn()); }
+void ServerErrorRoutingPresenter::updateUI() {
+  view_.setRoutingControlsHidden(!view_.isRoutingSwitchOn());
+  view_.setResultText(storedResultText().value_or(""));
+}
 
 std::string ServerErrorRoutingPresenter::resultText(std::string_view endpoint, std::string_view header) {
   return "Endpoint: " + std::string(endpoint) + " \nHeader: " + std::string(header);

@@ -62,17 +62,18 @@ void VNLBusinessRequirementPresenter::viewWillAppear() {
   }
   makeMachine();
 
+  settleRequirementSwitches();
+  if (!state(Switch::evas).isOn) machine_->enter<EvasOffState>();
+  state(Switch::commerce).isOn ? machine_->enter<CommerceOnState>() : machine_->enter<CommerceOffState>();
+  updateSwitchforBusinessRequirement();
+}
+
+void VNLBusinessRequirementPresenter::settleRequirementSwitches() {
   const bool isUsingRemote = state(Switch::remoteValue).isOn;
   for (const auto requirement : kVNLBusinessRequirementSwitches) {
-    const bool value = Util::setSwitchByBusinessRequirementKey(*parkContext_, remoteKeyFor(requirement),
-                                                               localKeyFor(requirement), isUsingRemote);
-    state(requirement).isOn = value;
-    if (requirement == Switch::evas && !value) machine_->enter<EvasOffState>();
-    if (requirement == Switch::commerce) {
-      value ? machine_->enter<CommerceOnState>() : machine_->enter<CommerceOffState>();
-    }
+    state(requirement).isOn = Util::setSwitchByBusinessRequirementKey(*parkContext_, remoteKeyFor(requirement),
+                                                                      localKeyFor(requirement), isUsingRemote);
   }
-  updateSwitchforBusinessRequirement();
 }
 
 void VNLBusinessRequirementPresenter::switchBusinessRequirement(Switch requirement, bool isOn) {
@@ -96,8 +97,10 @@ void VNLBusinessRequirementPresenter::switchBusinessRequirement(Switch requireme
     case Switch::sales: Util::switchAPSales(context, usingRemote, isOn); break;
     case Switch::remoteValue: break;
   }
-  // EVAS off takes commerce down with it, as the commerce switch goes off.
-  if ((requirement == Switch::commerce || requirement == Switch::evas) && !isOn) turnOffCommerceBR();
+  if (requirement == Switch::commerce && !isOn) turnOffCommerceBR();
+  // EVAS writes only its own value; the other switches show their values again
+  // (EvasOffState turned them off on screen, not in the table).
+  if (requirement == Switch::evas) settleRequirementSwitches();
   if (!machine_) makeMachine();
   enterMatchingState();
   updateSwitchforBusinessRequirement();

@@ -88,7 +88,9 @@ void ContractFetcher::mockData(Success success, Failure failure) const {
   std::error_code missing;
   if (!std::filesystem::is_regular_file(path, missing)) {
     KTVCPrintUtility::debugPrint("Path not found", fetcherSite("mockData(success:failure:)", __LINE__));
-    if (failure) failure(fetcherError(2, "The canned contract is missing"));
+    onMainQueue([failure] {
+      if (failure) failure(fetcherError(2, "The canned contract is missing"));
+    });
     return;
   }
   std::ifstream in(path, std::ios::binary);
@@ -99,10 +101,16 @@ void ContractFetcher::mockData(Success success, Failure failure) const {
     const Error error = fetcherError(3, "The data couldn\u2019t be read because it isn\u2019t in the correct format.");
     KTVCPrintUtility::debugPrint("Error occourd: " + localizedDescription(error),
                                  fetcherSite("mockData(success:failure:)", __LINE__));
-    if (failure) failure(error);
+    onMainQueue([failure, error] {
+      if (failure) failure(error);
+    });
     return;
   }
-  if (auto contract = contractOf(decoded); contract && success) success(contract);
+  if (auto contract = contractOf(decoded)) {
+    onMainQueue([success, contract] {
+      if (success) success(contract);
+    });
+  }
 }
 
 }  // namespace varnel

@@ -20,9 +20,10 @@ Json number(float value) {
 }
 
 Json date(Date value) {
-  constexpr double kFarOut = 1e11;  // beyond year 5000 either way
+  // The four-digit years of RFC 3339: 0001-01-01T00:00:00Z to 9999-12-31T23:59:59Z.
+  constexpr double kFirst = -62135596800.0, kEnd = 253402300800.0;
   const double seconds = value.timeIntervalSince1970;
-  if (!std::isfinite(seconds) || std::fabs(seconds) > kFarOut) return nullptr;
+  if (!std::isfinite(seconds) || seconds < kFirst || seconds >= kEnd) return nullptr;
   return rfc3339(value);
 }
 

@@ -50,11 +50,36 @@ std::string APErrorMessage::localizationKey(APError error, KTVCResortChoice park
   return {};
 }
 
+std::string APErrorMessage::textWithoutPhoneNumber(std::string_view key, const std::string& text) {
+  const std::string companionKey = std::string(key) + std::string(kWithoutPhoneNumberSuffix);
+  if (std::string companion = VarnelLocalizedStringForKey(companionKey);
+      !companion.empty() && companion != companionKey && companion.find(kPlaceholder) == std::string::npos) {
+    return companion;
+  }
+  // A table without the companion text: drop each sentence that would show the number.
+  std::string kept;
+  std::size_t start = 0;
+  while (start < text.size()) {
+    std::size_t end = text.find(". ", start);
+    end = end == std::string::npos ? text.size() : end + 1;
+    const std::string_view sentence(text.data() + start, end - start);
+    if (sentence.find(kPlaceholder) == std::string_view::npos) {
+      if (!kept.empty()) kept += ' ';
+      kept += sentence;
+    }
+    start = text.find_first_not_of(' ', end);
+    if (start == std::string::npos) break;
+  }
+  return kept;
+}
+
 std::string APErrorMessage::message(APError error, KTVCResortChoice park) {
   const std::optional<std::string> phone = VNLPhoneUtility::APPhoneNumber(error, park);
-  const std::string text = VarnelLocalizedStringForKey(localizationKey(error, park));
-  if (!phone) return text;
-  return stringWithFormat(text, {*phone});
+  const std::string key = localizationKey(error, park);
+  const std::string text = VarnelLocalizedStringForKey(key);
+  if (phone) return stringWithFormat(text, {*phone});
+  if (text.find(kPlaceholder) == std::string::npos) return text;
+  return textWithoutPhoneNumber(key, text);
 }
 
 }  // namespace varnel

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
@@ -374,14 +375,25 @@ std::string describeGuestDataError(const Error& error) {
 std::optional<Date> parseRfc3339(std::string_view text) {
   // ICU checks the fields (month 13, 30 February, second 60); the fixed
   // positions keep out what it would otherwise accept, such as a 5-digit year.
-  if (text.size() < 20 || text[4] != '-' || text[7] != '-' || text[10] != 'T') return std::nullopt;
+  if (text.size() < 20 || text[4] != '-' || text[7] != '-' || (text[10] != 'T' && text[10] != 't')) {
+    return std::nullopt;
+  }
+  // The separator and the zone letter may be lower case.
+  std::string upper(text);
+  upper[10] = 'T';
+  if (upper.back() == 'z') upper.back() = 'Z';
   // Formatters are costly to make and not safe to share: one pair per thread.
   thread_local const auto formats = [] {
     std::vector<std::unique_ptr<icu::SimpleDateFormat>> made;
     for (const char* pattern : {"yyyy-MM-dd'T'HH:mm:ssXXX", "yyyy-MM-dd'T'HH:mm:ss.SXXX"}) {
       UErrorCode status = U_ZERO_ERROR;
       auto format = std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString(pattern), icu::Locale("en_US_POSIX"), status);
+      // Dates print in the proleptic Gregorian calendar (rfc3339): read them in
+      // it too, not in the Julian calendar before 1582.
+      auto calendar = std::make_unique<icu::GregorianCalendar>(*icu::TimeZone::getGMT(), status);
+      if (calendar) calendar->setGregorianChange(U_DATE_MIN, status);
       if (U_FAILURE(status)) continue;
+      format->adoptCalendar(calendar.release());
       format->setLenient(false);
       format->setTimeZone(*icu::TimeZone::getGMT());
       made.push_back(std::move(format));
@@ -389,7 +401,7 @@ std::optional<Date> parseRfc3339(std::string_view text) {
     return made;
   }();
   const icu::UnicodeString input =
-      icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+      icu::UnicodeString::fromUTF8(icu::StringPiece(upper.data(), static_cast<int32_t>(upper.size())));
   for (const auto& format : formats) {
     icu::ParsePosition position(0);
     const UDate milliseconds = format->parse(input, position);

@@ -5,6 +5,8 @@
 namespace varnel::standalone {
 namespace {
 
+constexpr const char* kUnreachableMessage = "The commerce service could not be reached. Please try again.";
+
 const char* kindLabel(KTVRNotificationBannerKind kind) {
   switch (kind) {
     case KTVRNotificationBannerKind::transactionalError: return "Transaction problem";
@@ -22,9 +24,12 @@ class TerminalBanner final : public KTVRNotificationBanner {
 
   void show() override {
     const std::string rule(60, '-');
-    out_ << rule << '\n' << "| " << kindLabel(kind());
-    if (!title().empty()) out_ << ": " << title();
-    out_ << '\n' << "| " << message() << '\n';
+    // The connection error has no text in the string table: a blank banner
+    // would tell the guest nothing, and the kind's title would not fit it.
+    const bool unreachable = message().empty();
+    out_ << rule << '\n' << "| " << (unreachable ? "Connection Problem" : title().empty() ? kindLabel(kind()) : title())
+         << '\n';
+    out_ << "| " << (unreachable ? kUnreachableMessage : message()) << '\n';
     if (phoneNumber()) out_ << "| Call " << *phoneNumber() << '\n';
     if (retryBlock()) out_ << "| [Retry]" << '\n';
     out_ << rule << '\n';

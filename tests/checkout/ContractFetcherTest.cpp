@@ -148,6 +148,7 @@ TEST_F(ContractFetcherTest, TesterSwitchServesTheResourceContract) {
   fetch();
   EXPECT_TRUE(session->tasks.empty());
   EXPECT_TRUE(service->calls.empty());
+  EXPECT_EQ(received.successes, 0) << "answered before the main queue ran";
   mainQueue->runAll();
   ASSERT_EQ(received.successes, 1);
   ASSERT_TRUE(received.contract);
@@ -172,6 +173,7 @@ TEST_F(ContractFetcherTest, UnusableResourceContractIsLoggedAndFails) {
     log->clear();
     useResources(row.file);
     fetch();
+    EXPECT_EQ(received.failures, 0) << row.name << ": answered before the main queue ran";
     mainQueue->runAll();
     EXPECT_TRUE(logged(row.logLine)) << row.name;
     EXPECT_EQ(received.successes, 0) << row.name;

@@ -66,20 +66,27 @@ TEST_F(MessageTest, MessagesCarryTheResortsNumberAndTheTableOnlyThePlaceholdersC
                            ((error == APError::NonSCAResident || error == APError::NonCAResident) && park != kWest));
       EXPECT_EQ(text.empty(), !shown) << text;
       if (!shown) continue;
+      const bool hasNumber = park != kResortChoiceAlternate && needsNumber;
       if (park != kResortChoiceAlternate) {
         EXPECT_EQ(text.find(number(park)) != std::string::npos, needsNumber) << text;
       }
-      if (needsNumber && park == kResortChoiceAlternate) continue;  // see the unformatted text below
+      // No placeholder ever; without a number, whole sentences without the words that introduce it.
       EXPECT_EQ(text.find('%'), std::string::npos) << text;
-      if (!needsNumber) {
-        EXPECT_TRUE(text.ends_with('.')) << text;
-        EXPECT_TRUE(text.find(" call") == std::string::npos && text.find("Call") == std::string::npos) << text;
-        EXPECT_EQ(text, table.value(key, "")) << "used as it stands";
+      if (hasNumber) continue;
+      EXPECT_TRUE(text.ends_with('.')) << text;
+      for (const char* dangling : {" call", "Call", " at ", " at.", "For help"}) {
+        EXPECT_EQ(text.find(dangling), std::string::npos) << text;
       }
+      EXPECT_EQ(text, table.value(needsNumber ? key + ".withoutPhoneNumber" : key, "")) << "used as it stands";
     }
   }
   withArgument.erase("");
-  for (const auto& key : withArgument) EXPECT_TRUE(table.contains(key)) << key;
+  for (const auto& key : withArgument) {
+    EXPECT_TRUE(table.contains(key)) << key;
+    if (key.starts_with("com.varnel.checkout.")) {
+      EXPECT_TRUE(table.contains(key + ".withoutPhoneNumber")) << key;
+    }
+  }
   for (const auto& [key, value] : table.items()) {
     const std::string text = value.get<std::string>();
     const long expected = withArgument.contains(key) ? 1 : 0;
@@ -90,9 +97,13 @@ TEST_F(MessageTest, MessagesCarryTheResortsNumberAndTheTableOnlyThePlaceholdersC
   const std::string noRetry = APErrorMessage::message(APError::ServiceErrorNoRetry, kEast);
   EXPECT_NE(noRetry, APErrorMessage::message(APError::SYSTEM_ERROR, kEast));
   EXPECT_EQ(noRetry, APErrorMessage::message(APError::GeneralTransactionalError, kEast));
-  // Without a number the text is returned as it is, not used as a format.
-  EXPECT_NE(APErrorMessage::message(APError::SYSTEM_ERROR, 3).find("%@"), std::string::npos);
+  // An unknown resort has no number either; a table without the companion text loses the sentence.
+  EXPECT_EQ(APErrorMessage::message(APError::SYSTEM_ERROR, 3),
+            APErrorMessage::message(APError::SYSTEM_ERROR, kResortChoiceAlternate));
   EXPECT_EQ(log->lines().back().site.function, "APPhoneNumber(for:for:)");
+  EXPECT_EQ(APErrorMessage::textWithoutPhoneNumber("no.such.key", "Sorry. Call %@ now. Try later."),
+            "Sorry. Try later.");
+  EXPECT_EQ(APErrorMessage::textWithoutPhoneNumber("no.such.key", "Call %@."), "");
   // Help numbers must format as they are: a short one would stop the process.
   for (KTVCResortChoice park : {kWest, kEast}) EXPECT_EQ(VNLPhoneNumber(number(park)).formattedString(), number(park));
 }

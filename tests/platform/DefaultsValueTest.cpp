@@ -5,33 +5,8 @@
 namespace varnel {
 namespace {
 
-TEST(DefaultsValue, EncodingKeepsEveryKind) {
-  DefaultsDictionary nested{{"flag", DefaultsValue(true)}, {"count", DefaultsValue(1)}};
-  const std::vector<DefaultsValue> values = {
-      DefaultsValue(),
-      DefaultsValue(false),
-      DefaultsValue(std::int64_t{-42}),
-      DefaultsValue(2.5),
-      DefaultsValue(std::string("text")),
-      DefaultsValue(Date{1710099320.25}),
-      DefaultsValue(DefaultsData{0x00, 0xff, 0x10}),
-      DefaultsValue(DefaultsArray{DefaultsValue(1), DefaultsValue(), DefaultsValue("x")}),
-      DefaultsValue(nested),
-  };
-  for (const auto& value : values) {
-    DefaultsValue decoded;
-    ASSERT_TRUE(decodeDefaultsValue(Json::parse(encodeDefaultsValue(value).dump()), decoded));
-    EXPECT_EQ(decoded, value);
-  }
-}
-
-TEST(DefaultsValue, BooleansAndNumbersStayDistinct) {
-  EXPECT_NE(DefaultsValue(true), DefaultsValue(1));
-  DefaultsValue decoded;
-  ASSERT_TRUE(decodeDefaultsValue(encodeDefaultsValue(DefaultsValue(1)), decoded));
-  EXPECT_TRUE(decoded.is<std::int64_t>());
-}
-
+// Every kind's round trip through the encoding is proven on a real store
+// (SqliteUserDefaultsTest); here, what the decoding refuses.
 TEST(DefaultsValue, DecodingRejectsForeignShapes) {
   DefaultsValue out;
   for (const char* text : {R"({"int":"1"})", R"({"bool":1})", R"({"data":"zz"})", R"({"a":1,"b":2})", "[1]",

@@ -25,7 +25,7 @@ void expectTypes(const Cases& cases) {
   }
 }
 
-TEST(CreditCardType, RecognisesEachBrandByPrefixAndLength) {
+TEST(CreditCardType, EachBrandByPrefixAndLengthAndEverythingElseUnknown) {
   expectTypes({
       {"4111111111111111", Type::KTVRCreditCardType_Visa},
       {"5555555555554444", Type::KTVRCreditCardType_MasterCard},
@@ -39,11 +39,7 @@ TEST(CreditCardType, RecognisesEachBrandByPrefixAndLength) {
       {"3530111333300000", Type::KTVRCreditCardType_JCB},
       {"213100000000008", Type::KTVRCreditCardType_JCB},
       {"180000000000002", Type::KTVRCreditCardType_JCB},
-  });
-}
-
-TEST(CreditCardType, NumbersJustOutsideABrandAreUnknown) {
-  expectTypes({
+      // Just outside a brand.
       {"2721000000000000", Type::KTVRCreditCardType_Unknown},
       {"2220990000000000", Type::KTVRCreditCardType_Unknown},
       {"5605105105105100", Type::KTVRCreditCardType_Unknown},
@@ -52,24 +48,11 @@ TEST(CreditCardType, NumbersJustOutsideABrandAreUnknown) {
       {"30600000000000", Type::KTVRCreditCardType_Unknown},
       {"1800000000000002", Type::KTVRCreditCardType_Unknown},
       {"9111111111111111", Type::KTVRCreditCardType_Unknown},
-  });
-}
-
-TEST(CreditCardType, LengthBoundsComeFirstAndCountCharacters) {
-  // Thirteen digits fit the Visa pattern but are never tried.
-  expectTypes({
+      // Length bounds come first: thirteen digits fit the Visa pattern but are never tried.
       {"4222222222222", Type::KTVRCreditCardType_Unknown},
       {"", Type::KTVRCreditCardType_Unknown},
       {std::string(27, '4'), Type::KTVRCreditCardType_Unknown},
-  });
-  // Sixteen characters in 30 bytes; only the JCB pattern takes any decimal digit.
-  const std::string arabicIndic = "\u0660\u0661\u0662\u0663\u0664\u0665\u0666\u0667\u0668\u0669\u0660\u0661\u0662\u0663";
-  EXPECT_EQ(CreditCardUtility::cardType("35" + arabicIndic), Type::KTVRCreditCardType_JCB);
-  EXPECT_EQ(CreditCardUtility::cardType("40" + arabicIndic), Type::KTVRCreditCardType_Unknown);
-}
-
-TEST(CreditCardType, NumbersMatchOnlyExactlyAsWritten) {
-  expectTypes({
+      // Numbers match only exactly as written.
       {"4111 1111 1111 1111", Type::KTVRCreditCardType_Unknown},
       {"4111-1111-1111-1111", Type::KTVRCreditCardType_Unknown},
       {" 4111111111111111", Type::KTVRCreditCardType_Unknown},
@@ -77,6 +60,10 @@ TEST(CreditCardType, NumbersMatchOnlyExactlyAsWritten) {
       {std::string("4111111111111111\0", 17), Type::KTVRCreditCardType_Unknown},
       {"4111111111111111\xff", Type::KTVRCreditCardType_Unknown},
   });
+  // Sixteen characters in 30 bytes; only the JCB pattern takes any decimal digit.
+  const std::string arabicIndic = "\u0660\u0661\u0662\u0663\u0664\u0665\u0666\u0667\u0668\u0669\u0660\u0661\u0662\u0663";
+  EXPECT_EQ(CreditCardUtility::cardType("35" + arabicIndic), Type::KTVRCreditCardType_JCB);
+  EXPECT_EQ(CreditCardUtility::cardType("40" + arabicIndic), Type::KTVRCreditCardType_Unknown);
 }
 
 TEST(CreditCardType, ThreadsShareTheCompiledPatterns) {

@@ -31,22 +31,22 @@ RenewableState stateOf(const PassFlags& flags) {
 Options oneOption() { return std::vector<std::shared_ptr<VNLEntitlement>>{std::make_shared<VNLEntitlementAnnualPass>()}; }
 Options noOptions() { return std::vector<std::shared_ptr<VNLEntitlement>>{}; }
 
-TEST(RenewableStateOfAnnualPass, WithOptionsOnlyARenewableUnsharedPassIsEligibleNow) {
-  EXPECT_EQ(stateOf({oneOption(), true, false, false}), RenewableState::eligibleNow);
-  EXPECT_EQ(stateOf({oneOption(), true, true, true}), RenewableState::ineligible) << "shared";
-  EXPECT_EQ(stateOf({oneOption(), false, false, true}), RenewableState::ineligible) << "not renewable";
-}
-
-TEST(RenewableStateOfAnnualPass, AnEmptyListOfOptionsIsNeverEligible) {
-  EXPECT_EQ(stateOf({noOptions(), false, false, true}), RenewableState::ineligible);
-  EXPECT_EQ(stateOf({noOptions(), true, false, true}), RenewableState::ineligible);
-}
-
-TEST(RenewableStateOfAnnualPass, WithoutOptionsASellableUnsharedPassIsEligibleLater) {
-  EXPECT_EQ(stateOf({std::nullopt, false, false, true}), RenewableState::eligibleLater);
-  EXPECT_EQ(stateOf({std::nullopt, false, false, false}), RenewableState::ineligible) << "not sellable";
-  EXPECT_EQ(stateOf({std::nullopt, false, true, true}), RenewableState::ineligible) << "shared";
-  EXPECT_EQ(stateOf({std::nullopt, true, false, true}), RenewableState::ineligible) << "renewable already";
+// With options only a renewable unshared pass is eligible now; an empty list
+// of options never is; without options a sellable, unshared pass that is not
+// renewable yet is eligible later.
+TEST(RenewableStateOfAnnualPass, FollowsTheOptionsAndFlags) {
+  const std::pair<PassFlags, RenewableState> rows[] = {
+      {{oneOption(), true, false, false}, RenewableState::eligibleNow},
+      {{oneOption(), true, true, true}, RenewableState::ineligible},
+      {{oneOption(), false, false, true}, RenewableState::ineligible},
+      {{noOptions(), false, false, true}, RenewableState::ineligible},
+      {{noOptions(), true, false, true}, RenewableState::ineligible},
+      {{std::nullopt, false, false, true}, RenewableState::eligibleLater},
+      {{std::nullopt, false, false, false}, RenewableState::ineligible},
+      {{std::nullopt, false, true, true}, RenewableState::ineligible},
+      {{std::nullopt, true, false, true}, RenewableState::ineligible},
+  };
+  for (std::size_t i = 0; i < std::size(rows); ++i) EXPECT_EQ(stateOf(rows[i].first), rows[i].second) << "row " << i;
 }
 
 }  // namespace

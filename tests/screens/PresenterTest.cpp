@@ -5,9 +5,6 @@
 #include "ScreenTestSupport.h"
 #include "varnel/requirements/VNLBusinessRequirementsKeys.h"
 #include "varnel/screens/VNLBusinessRequirementPresenter.h"
-#include "varnel/screens/VNLConfigurationPresenter.h"
-#include "varnel/screens/VNLGlobalSettingsPresenter.h"
-#include "varnel/settings/VNLCommerceSettings.h"
 #include "varnel/standalone/JsonRemoteConfiguration.h"
 
 namespace varnel::testing {
@@ -16,57 +13,6 @@ namespace {
 using Switch = VNLBusinessRequirementSwitch;
 using Keys = VNLBusinessRequirementsKeys;
 using Routing = ServerErrorRoutingPresenter;
-
-class MockSwitchTest : public ScreenTest {};
-
-TEST_F(MockSwitchTest, EachSwitchIsStoredAsABooleanUnderItsKeyAndSynchronised) {
-  const std::pair<VNLMockSwitch, const char*> rows[] = {
-      {VNLMockSwitch::entitlements, "VarnelEntitlementMockKey"},
-      {VNLMockSwitch::createOrder, "VarnelCreateOrderMockKey"},
-      {VNLMockSwitch::contract, "VarnelContractMockKey"},
-      {VNLMockSwitch::env, "VarnelENV2HeaderKey"},
-      {VNLMockSwitch::pendingHeader, "VarnelPendingOrderHeader"},
-      {VNLMockSwitch::env2ForCards, "VarnelENV2ForPaymentCards"},
-  };
-  for (const auto& [mockSwitch, key] : rows) {
-    SCOPED_TRACE(key);
-    EXPECT_FALSE(VNLConfigurationPresenter::storedValue(mockSwitch)) << "nothing stored reads as off";
-    const int synchronisedBefore = defaults->synchronizeCount;
-    VNLConfigurationPresenter::switchChanged(mockSwitch, true);
-    EXPECT_EQ(defaults->objectForKey(key), DefaultsValue(true));
-    EXPECT_EQ(defaults->synchronizeCount, synchronisedBefore + 1);
-    EXPECT_TRUE(VNLConfigurationPresenter::storedValue(mockSwitch));
-    VNLConfigurationPresenter::switchChanged(mockSwitch, false);
-    EXPECT_EQ(defaults->objectForKey(key), DefaultsValue(false));
-  }
-  EXPECT_EQ(defaults->dictionaryRepresentation().size(), std::size(rows)) << "one key per switch";
-}
-
-class PresetListTest : public ScreenTest {};
-
-TEST_F(PresetListTest, CheckMarkFollowsTheStoredPresetAndTheChosenRow) {
-  VNLGlobalSettingsPresenter presets;
-  presets.viewWillAppear();
-  EXPECT_EQ(presets.currentConfiguration(), VNLConfiguration::unknown);
-
-  presets.didSelect(VNLConfiguration::zlt_4_6);
-  EXPECT_EQ(presets.currentConfiguration(), VNLConfiguration::zlt_4_6) << "the chosen row keeps the mark";
-  EXPECT_EQ(log->count("Will configure for \"zlt_4_6\""), 1u);
-  EXPECT_EQ(log->lines().back().site.function, "_didChangeSelection(to:)");
-  EXPECT_EQ(defaults->synchronizeCount, 1);
-
-  VNLGlobalSettingsPresenter reopened;
-  reopened.viewWillAppear();
-  EXPECT_EQ(reopened.currentConfiguration(), VNLConfiguration::apRenewals) << "zlt_4_6 writes the renewal preset";
-
-  const auto stored = defaults->dictionaryRepresentation();
-  reopened.didSelect(VNLConfiguration::unknown);
-  EXPECT_EQ(reopened.currentConfiguration(), VNLConfiguration::unknown);
-  EXPECT_EQ(defaults->dictionaryRepresentation(), stored) << "unknown writes nothing";
-  EXPECT_EQ(defaults->synchronizeCount, 1);
-  EXPECT_EQ(VNLGlobalSettingsPresenter::detailFor(VNLConfiguration::rideslot),
-            "EVAS on, bring-pass alert hidden, coloured passes");
-}
 
 class BusinessRequirementScreenTest : public ScreenTest {
  protected:
@@ -120,14 +66,26 @@ TEST_F(BusinessRequirementScreenTest, SwitchesFollowTheCommerceStateThroughEvery
   EXPECT_FALSE(VNLBusinessRequirementUtil::localValue(Keys::enableAnnualPassportRenewalsKey));
   EXPECT_FALSE(VNLBusinessRequirementUtil::localValue(Keys::enableAnnualPassportSalesKey));
 
-  // EVAS off from commerce on disables everything but EVAS.
+  // EVAS off from commerce on disables everything but EVAS on screen and
+  // writes only its own value; EVAS back on finds commerce as it was.
   screen.switchBusinessRequirement(Switch::commerce, true);
+  screen.switchBusinessRequirement(Switch::upgrades, true);
+  const auto tableBefore = VNLBusinessRequirementUtil::localValues();
   screen.switchBusinessRequirement(Switch::evas, false);
   EXPECT_TRUE(isIn<EvasOffState>(screen));
   expectSwitches(screen, {offEnabled, offDisabled, offDisabled, offDisabled, offDisabled});
-  EXPECT_FALSE(VNLBusinessRequirementUtil::localValue(Keys::enableAnnualPassportCommerceKey));
+  auto evasOff = tableBefore;
+  evasOff[std::string(Keys::enableEvasKey)] = false;
+  EXPECT_EQ(VNLBusinessRequirementUtil::localValues(), evasOff);
 
-  // EVAS back on leaves EvasOffState through commerce off.
+  screen.switchBusinessRequirement(Switch::evas, true);
+  EXPECT_TRUE(isIn<CommerceOnState>(screen));
+  expectSwitches(screen, {onEnabled, onEnabled, offEnabled, onEnabled, offEnabled});
+  EXPECT_EQ(VNLBusinessRequirementUtil::localValues(), tableBefore);
+
+  // From commerce off, EVAS off and on comes back to commerce off.
+  screen.switchBusinessRequirement(Switch::commerce, false);
+  screen.switchBusinessRequirement(Switch::evas, false);
   screen.switchBusinessRequirement(Switch::evas, true);
   EXPECT_TRUE(isIn<CommerceOffState>(screen));
   expectSwitches(screen, {onEnabled, offEnabled, offDisabled, offDisabled, offDisabled});
@@ -196,8 +154,8 @@ TEST_F(RoutingPresenterTest, LookupIsShownAndSavedOnTheMainQueue) {
   view.username = "jane doe";
   view.switchOn = true;
   presenter->testRoutingTapped();
-  ASSERT_EQ(session->pending.size(), 1u);
-  auto& sent = *session->pending.front();
+  ASSERT_EQ(session->tasks.size(), 1u);
+  auto& sent = *session->tasks.front();
   EXPECT_TRUE(sent.resumed);
   EXPECT_EQ(sent.request.httpMethod, "GET");
   EXPECT_EQ(sent.request.url, "http://127.0.0.1:9/mobile-commerce/index.php/rest/export/json/header?uid=jane doe");
@@ -234,7 +192,7 @@ TEST_F(RoutingPresenterTest, FailedOrUnparsableLookupsChangeNothing) {
                               {std::nullopt, 200, false}};
   for (const auto& outcome : outcomes) {
     presenter->fetchData(view.username);
-    auto& sent = *session->pending.back();
+    auto& sent = *session->tasks.back();
     sent.completion(outcome.data, outcome.status ? std::optional(URLResponse{sent.request.url, outcome.status, {}}) : std::nullopt,
                     outcome.transportError ? std::optional(Error{"test", 1, nullptr}) : std::nullopt);
   }
@@ -245,18 +203,16 @@ TEST_F(RoutingPresenterTest, FailedOrUnparsableLookupsChangeNothing) {
 
   // A completion that arrives after the screen is gone touches nothing.
   presenter->fetchData("late");
-  auto completion = session->pending.back()->completion;
+  auto completion = session->tasks.back()->completion;
   const auto answer = R"({"field_endpoint":{"value":"/x"},"field_simulator_header":{"value":"y"}})";
   completion(answer, URLResponse{"", 200, {}}, std::nullopt);
   presenter.reset();
   EXPECT_EQ(mainQueue->runAll(), 1u);
   EXPECT_TRUE(defaults->dictionaryRepresentation().empty());
-}
 
-TEST_F(RoutingPresenterTest, WithoutAServerNothingIsSent) {
-  const auto presenter = make("");
-  presenter->fetchData("sam");
-  EXPECT_TRUE(session->pending.empty());
+  const std::size_t sent = session->tasks.size();
+  make("")->fetchData("sam");
+  EXPECT_EQ(session->tasks.size(), sent) << "without a server nothing is sent";
 }
 
 TEST_F(RoutingPresenterTest, SwitchSavesAndLoadsWithTheUserName) {
@@ -278,6 +234,17 @@ TEST_F(RoutingPresenterTest, SwitchSavesAndLoadsWithTheUserName) {
   presenter->saveDefaults(std::string(Routing::kInternalMockHeader), "E503");
   presenter->saveDefaults(std::nullopt, "E503");
   EXPECT_FALSE(defaults->objectForKey("ServiceErrorRoutingHeader")) << "a header without a name is removed";
+
+  // A switch move saves without a header: the header shown before is gone from the store and the screen.
+  presenter->saveDefaults(std::string(Routing::kInternalMockHeader), "E503");
+  presenter->viewDidAppear();
+  EXPECT_EQ(view.result, "Endpoint: X-Orvane-Internal-Mock-AP \nHeader: E503");
+  for (const bool on : {false, true}) {
+    view.switchOn = on;
+    presenter->serverErrorRoutingSwitchChanged();
+    EXPECT_FALSE(defaults->objectForKey("ServiceErrorRoutingHeader"));
+    EXPECT_EQ(view.result, "") << "switch " << on;
+  }
   presenter->saveDefaults(std::string(Routing::kInternalMockHeader), "E503");
 
   FakeRoutingView reopened;

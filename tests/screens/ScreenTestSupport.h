@@ -1,7 +1,7 @@
 #pragma once
-// Fakes of the host's module-hosting library and of a URL session, a fake
-// routing view, and the fixture of the screen tests: fresh host fakes, the
-// initial business-requirement tables and no routing server before each test.
+// Fakes of the host's module-hosting library, a fake routing view, and the
+// fixture of the screen tests: fresh host fakes, the initial
+// business-requirement tables and no routing server before each test.
 
 #include <map>
 #include <memory>
@@ -13,9 +13,9 @@
 #include "varnel/host/PLNTBundle.h"
 #include "varnel/host/PLNTInvocation.h"
 #include "varnel/host/Registry.h"
-#include "varnel/platform/URLSession.h"
 #include "varnel/requirements/VNLBusinessRequirementUtil.h"
 #include "varnel/screens/ServerErrorRoutingPresenter.h"
+#include "varnel/testing/NetworkFakes.h"
 
 namespace varnel::testing {
 
@@ -41,32 +41,6 @@ class FakeBundleLookup final : public PLNTBundleLookup {
   }
   std::vector<PLNTBundle> bundles;
   mutable std::vector<std::string> asked;
-};
-
-/// Keeps each request with its completion until the test completes it.
-class FakeURLSession final : public URLSession {
- public:
-  struct Pending {
-    URLRequest request;
-    Completion completion;
-    bool resumed = false;
-  };
-  class Task final : public URLSessionDataTask {
-   public:
-    explicit Task(Pending& pending) : pending_(pending) {}
-    void resume() override { pending_.resumed = true; }
-    void cancel() override {}
-
-   private:
-    Pending& pending_;
-  };
-
-  std::shared_ptr<URLSessionDataTask> dataTask(URLRequest request, Completion completion) override {
-    pending.push_back(std::make_unique<Pending>(Pending{std::move(request), std::move(completion)}));
-    return std::make_shared<Task>(*pending.back());
-  }
-
-  std::vector<std::unique_ptr<Pending>> pending;
 };
 
 /// The controls of the routing screen as plain values.

@@ -22,6 +22,7 @@
 #include "varnel/screens/VNLConfigurationBrick.h"
 #include "varnel/screens/VNLConfigurationViewController.h"
 #include "varnel/screens/VNLDebugStoryboard.h"
+#include "varnel/screens/VNLGlobalSettingsPresenter.h"
 #include "varnel/screens/VNLGlobalSettingsTableViewController.h"
 #include "varnel/screens/VNLNavigationController.h"
 #include "varnel/screens/VNLSwitch.h"
@@ -68,13 +69,16 @@ TEST_F(WidgetTest, MockSwitchesShowTheStoreAndAClickWritesTheirKey) {
     SCOPED_TRACE(key);
     VNLSwitch* control = (screen.*accessor)();
     const bool wasOn = std::string_view(key) == "VarnelContractMockKey";
-    EXPECT_EQ(control->isOn(), wasOn);
-    const int synchronisedBefore = defaults->synchronizeCount;
-    QTest::mouseClick(control, Qt::LeftButton);
-    EXPECT_EQ(control->isOn(), !wasOn);
-    EXPECT_EQ(defaults->objectForKey(key), DefaultsValue(!wasOn));
-    EXPECT_EQ(defaults->synchronizeCount, synchronisedBefore + 1);
+    EXPECT_EQ(control->isOn(), wasOn) << "nothing stored reads as off";
+    for (const bool on : {!wasOn, wasOn}) {
+      const int synchronisedBefore = defaults->synchronizeCount;
+      QTest::mouseClick(control, Qt::LeftButton);
+      EXPECT_EQ(control->isOn(), on);
+      EXPECT_EQ(defaults->objectForKey(key), DefaultsValue(on)) << "a boolean under the switch's key";
+      EXPECT_EQ(defaults->synchronizeCount, synchronisedBefore + 1);
+    }
   }
+  EXPECT_EQ(defaults->dictionaryRepresentation().size(), std::size(rows)) << "one key per switch";
 }
 
 TEST_F(WidgetTest, ChoosingAPresetMovesTheCheckMarkAndWritesThePreset) {
@@ -89,9 +93,23 @@ TEST_F(WidgetTest, ChoosingAPresetMovesTheCheckMarkAndWritesThePreset) {
   EXPECT_EQ(screen.currentCheckedRowCell(), screen.tandpForRideslotRow());
   EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::rideslot);
   EXPECT_EQ(log->count("Will configure for \"Rideslot\""), 1u);
+  EXPECT_EQ(log->lines().back().site.function, "_didChangeSelection(to:)");
   for (int i = 0; i < table->count(); ++i) {
     EXPECT_EQ(hasCheckMark(table->item(i)), table->item(i) == screen.tandpForRideslotRow()) << "row " << i;
   }
+  EXPECT_EQ(VNLGlobalSettingsPresenter::detailFor(VNLConfiguration::rideslot),
+            "EVAS on, bring-pass alert hidden, coloured passes");
+
+  // zlt_4_6 writes the renewal preset; unknown writes nothing but takes the mark.
+  VNLGlobalSettingsPresenter presets;
+  presets.didSelect(VNLConfiguration::zlt_4_6);
+  EXPECT_EQ(VNLCommerceSettings::currentConfiguration(), VNLConfiguration::apRenewals);
+  const auto stored = defaults->dictionaryRepresentation();
+  const int synchronised = defaults->synchronizeCount;
+  presets.didSelect(VNLConfiguration::unknown);
+  EXPECT_EQ(presets.currentConfiguration(), VNLConfiguration::unknown);
+  EXPECT_EQ(defaults->dictionaryRepresentation(), stored);
+  EXPECT_EQ(defaults->synchronizeCount, synchronised);
 }
 
 TEST_F(WidgetTest, BusinessRequirementSwitchesAreEnabledByTheCommerceState) {

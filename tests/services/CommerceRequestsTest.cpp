@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "support/Fakes.h"
-#include "support/NetworkFakes.h"
+#include "varnel/testing/NetworkFakes.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/Registry.h"
 #include "varnel/services/CommerceRequests.h"

@@ -14,6 +14,17 @@ TEST_F(ContractParserTest, SampleAnswerGivesTextsAndLinksByKey) {
   EXPECT_EQ(contract.linkDetails("PaymentSchedule"), "");
 }
 
+TEST(ContractDataModelTest, DescribesItselfAndAnswersEmptyForMissingLinks) {
+  VNLContractDataModel contract;
+  EXPECT_EQ(contract.linkDetails(""), "");
+  EXPECT_EQ(contract.linkDetails("paymentSchedule"), "");
+  EXPECT_EQ(contract.debugDescription(), "contractForEmail:  \n  contractForMobile:  \n linksDictionary: [:]");
+  contract = {"mail", "mobile", {{"a", "https://x.test/a"}, {"b", "2"}}};
+  EXPECT_EQ(contract.debugDescription(),
+            "contractForEmail: mail \n  contractForMobile: mobile \n linksDictionary: "
+            "[\"a\": \"https://x.test/a\", \"b\": \"2\"]");
+}
+
 TEST_F(ContractParserTest, DamagedPartsStayEmptyWithoutLogging) {
   expectDamage("contract.json", "", parse, {
       {"/contractForEmail", 1, "/contractForEmail", ""},

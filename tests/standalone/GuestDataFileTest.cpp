@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "varnel/entitlements/ToVNLEntitlement.h"
+#include "varnel/platform/DefaultsValue.h"
 #include "varnel/standalone/GuestDataFile.h"
 
 namespace varnel::standalone {
@@ -13,6 +15,28 @@ TEST(GuestDataFileTest, ZonedDatesAreReadAndNullIsLeftOutButAnEmptyListIsKept) {
   EXPECT_EQ(guest.value().entitlements.at(0)->passExpirationDate, Date::fromTimeIntervalSince1970(1938083400.25));
   EXPECT_TRUE(guest.value().affiliations && guest.value().affiliations->empty());
   EXPECT_FALSE(parseGuestData(R"({"entitlements": []})").value().affiliations);
+}
+
+TEST(GuestDataFileTest, DatesPrintAsWrittenInTheOneCalendarAndEveryFourDigitYearIsKept) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"9999-12-31T23:59:59Z", "9999-12-31T23:59:59Z"},  // "never expires"
+      {"2031-06-01t08:30:00z", "2031-06-01T08:30:00Z"},  // lower-case separator and zone
+      {"2031-06-01t08:30:00.5+02:00", "2031-06-01T06:30:00Z"},
+      {"1500-03-01T00:00:00Z", "1500-03-01T00:00:00Z"},  // before the Gregorian reform
+      {"1582-10-10T12:00:00Z", "1582-10-10T12:00:00Z"},  // a day the reform skipped
+      {"0001-01-01T00:00:00Z", "0001-01-01T00:00:00Z"},
+  };
+  for (const auto& [written, printed] : rows) {
+    const auto date = parseRfc3339(written);
+    ASSERT_TRUE(date) << written;
+    EXPECT_EQ(rfc3339(*date), printed);
+    ENTMEntitlement entitlement;
+    entitlement.passExpirationDate = date;
+    EXPECT_EQ(toVNLEntitlement(entitlement)->toJson()["endValidityDate"], printed) << "--json shows it";
+  }
+  for (const char* refused : {"2031-06-01 08:30:00Z", "2031-06-01x08:30:00Z", "2031-06-01T08:30:00y", "10000-01-01T00:00:00Z"}) {
+    EXPECT_FALSE(parseRfc3339(refused)) << refused;
+  }
 }
 
 TEST(GuestDataFileTest, BadInputIsAnErrorNamingTheFileAndThePlaceOfTheFault) {

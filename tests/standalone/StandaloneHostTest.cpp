@@ -40,11 +40,21 @@ TEST_F(StandaloneHostTest, TerminalBannerShowsKindMessagePhoneAndRetry) {
   banner->setPhoneNumber("(592) 555-0142");
   banner->setRetryBlock([](std::shared_ptr<KTVRNotificationBanner>) {});
   banner->show();
-  EXPECT_THAT(out.str(), AllOf(HasSubstr("Service problem: Oops"), HasSubstr("Call %@"),
+  EXPECT_THAT(out.str(), AllOf(HasSubstr("\n| Oops\n| Call %@\n"), Not(HasSubstr("problem")),
                                 HasSubstr("Call (592) 555-0142"), HasSubstr("[Retry]")));
-  std::ostringstream quiet;
-  TerminalBannerFactory(quiet).validationErrorBanner("", "Check the card")->show();
-  EXPECT_THAT(quiet.str(), AllOf(HasSubstr("Check the card"), Not(HasSubstr("[Retry]")), Not(HasSubstr("Call "))));
+  struct Row {
+    std::string title, message, shown;
+  };
+  const Row rows[] = {
+      {"", "Check the card", "| Please check\n| Check the card\n"},
+      {"Please Check Your Details", "", "| Connection Problem\n| The commerce service could not be reached. "
+                                        "Please try again.\n"},
+  };
+  for (const auto& row : rows) {
+    std::ostringstream quiet;
+    TerminalBannerFactory(quiet).validationErrorBanner(row.title, row.message)->show();
+    EXPECT_THAT(quiet.str(), AllOf(HasSubstr(row.shown), Not(HasSubstr("[Retry]")), Not(HasSubstr("Call "))));
+  }
 }
 
 TEST_F(StandaloneHostTest, RunLoopRunsPostedTasksInOrderOnTheDrivingThread) {

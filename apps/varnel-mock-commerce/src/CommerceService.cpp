@@ -9,19 +9,23 @@ namespace {
 constexpr std::size_t kJournalLimit = 10'000;
 constexpr int kBodyDepthLimit = 64;
 
-std::vector<std::string_view> segments(std::string_view path) {
-  std::vector<std::string_view> parts;
+}  // namespace
+
+std::vector<std::string> pathSegments(std::string_view path) {
+  std::vector<std::string> parts;
   while (!path.empty()) {
     if (path.front() == '/') {
       path.remove_prefix(1);
       continue;
     }
     auto slash = path.find('/');
-    parts.push_back(path.substr(0, slash));
+    parts.emplace_back(path.substr(0, slash));
     path = slash == std::string_view::npos ? std::string_view{} : path.substr(slash);
   }
   return parts;
 }
+
+namespace {
 
 // Whether the text's brackets nest no deeper than `limit` (strings skipped).
 bool nestsWithin(const std::string& text, int limit) {
@@ -122,8 +126,8 @@ void CommerceService::setBaseUrl(std::string baseUrl) {
   baseUrl_ = std::move(baseUrl);
 }
 
-std::optional<CommerceService::Endpoint> CommerceService::endpointOf(const std::string& path) {
-  auto parts = segments(path);
+std::optional<CommerceService::Endpoint> CommerceService::endpointOf(const Call& call) {
+  const auto parts = call.segments.empty() ? pathSegments(call.path) : call.segments;
   auto is = [&](std::initializer_list<std::string_view> shape) {
     if (parts.size() != shape.size()) return false;
     std::size_t i = 0;
@@ -151,7 +155,7 @@ std::optional<CommerceService::Endpoint> CommerceService::endpointOf(const std::
 Reply CommerceService::handle(const Call& call) {
   try {
     if (call.path.starts_with("/__admin/")) return admin(call);
-    auto endpoint = endpointOf(call.path);
+    auto endpoint = endpointOf(call);
     std::optional<Json> body = parseBody(call.body);
     record(call, endpoint ? &*endpoint : nullptr, body);
     if (!endpoint) return jsonReply(404, bookingError("NOT_FOUND", "No such resource."));

@@ -25,10 +25,17 @@ namespace varnel::mock {
 
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
+/// The non-empty segments of a path, between its slashes.
+std::vector<std::string> pathSegments(std::string_view path);
+
 /// One request as the server received it (path percent-decoded).
 struct Call {
   std::string method;
   std::string path;
+  /// The path's segments, split at the slashes sent and then percent-decoded,
+  /// so that an encoded slash ("%2F") stays inside its segment. Empty: taken
+  /// from `path`.
+  std::vector<std::string> segments;
   Fields query;
   Fields headers;
   std::string body;
@@ -80,7 +87,7 @@ class CommerceService {
     Reply reply;
   };
 
-  static std::optional<Endpoint> endpointOf(const std::string& path);
+  static std::optional<Endpoint> endpointOf(const Call& call);
   Reply admin(const Call& call);
   void record(const Call& call, const Endpoint* endpoint, const std::optional<Json>& body);
   std::optional<Fault> takeFault(const Endpoint& endpoint, const Call& call);

@@ -20,6 +20,11 @@ Call callOf(const httplib::Request& request) {
   Call call;
   call.method = request.method;
   call.path = request.path;
+  // httplib decodes the whole path; split the path as sent first, so that an
+  // encoded slash in a guest identifier is not taken for a separator.
+  const std::string& target = request.target.empty() ? request.path : request.target;
+  call.segments = pathSegments(std::string_view(target).substr(0, target.find('?')));
+  for (auto& segment : call.segments) segment = httplib::detail::decode_url(segment, false);
   call.body = request.body;
   for (const auto& [name, value] : request.params) call.query.emplace_back(name, value);
   for (const auto& [name, value] : request.headers) {

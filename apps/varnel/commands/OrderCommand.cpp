@@ -1,6 +1,6 @@
 // varnel order create: a renewal order for the guest's passes, made with the
-// module's create-order parameters and request, printed as the module parses
-// the answer.
+// module's create-order parameters and request: a summary for people, or with
+// --json the order as the module parses the answer.
 //
 //   varnel order create --pass PRODUCT_INSTANCE_ID [--pass ...] [--plan full|monthly]
 //                       [--server URL] [--guest FILE] [--defaults PATH] [--park 1|2] [--json]
@@ -12,7 +12,7 @@
 #include "Command.h"
 #include "commands/CommerceSession.h"
 #include "commands/ErrorReport.h"
-#include "commands/RecordText.h"
+#include "commands/OrderText.h"
 #include "commands/RenewalSteps.h"
 #include "varnel/services/VNLParseCreateOrderResponse.h"
 
@@ -33,8 +33,10 @@ int runCreate(const OrderOptions& options) {
   if (outcome.silent) return reportSilentOutcome("The create-order request", options.commerce.json);
   if (!outcome.succeeded) return reportCommerceFailure(outcome.error, session.park(), options.commerce.json);
 
-  const RenewalOrder order = VNLParseCreateOrderResponse().parseCreateOrder(*outcome.value);
-  std::cout << (options.commerce.json ? dumpJson(order.toJson()) + "\n" : readableOrder(order));
+  RenewalOrder order = VNLParseCreateOrderResponse().parseCreateOrder(*outcome.value);
+  // The parser marks every order as monthly; the plan is the one asked for.
+  order.paymentPlan = options.plan == "monthly";
+  std::cout << (options.commerce.json ? dumpJson(order.toJson()) + "\n" : orderSummary(order));
   return 0;
 }
 

@@ -2,6 +2,7 @@
 // The guest-facing text of a commerce error at a resort.
 
 #include <string>
+#include <string_view>
 
 #include "varnel/errors/APError.h"
 #include "varnel/host/KTVCParkResortContext.h"
@@ -14,9 +15,21 @@ struct APErrorMessage {
   /// apply to (Florida residency: east only; California ones: west only).
   static std::string localizationKey(APError error, KTVCResortChoice park);
 
-  /// The localized message; when the resort has a help phone number, the text
-  /// is a format whose one "%@" receives it.
+  /// A text that shows the help number has a companion under its key plus
+  /// this suffix: the same message without the number and the words that
+  /// introduce it, for a resort without a help number.
+  static constexpr std::string_view kWithoutPhoneNumberSuffix = ".withoutPhoneNumber";
+  static constexpr std::string_view kPlaceholder = "%@";
+
+  /// The localized message. When the resort has a help phone number, the text
+  /// is a format whose one "%@" receives it; without one, a text that would
+  /// show it is replaced by its companion, so no placeholder ever reaches the
+  /// guest.
   static std::string message(APError error, KTVCResortChoice park);
+
+  /// `text` (the text of `key`) without the help number: the companion text
+  /// when the table has one, else `text` without the sentences holding "%@".
+  static std::string textWithoutPhoneNumber(std::string_view key, const std::string& text);
 };
 
 }  // namespace varnel

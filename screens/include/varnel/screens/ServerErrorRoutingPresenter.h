@@ -87,7 +87,8 @@ class ServerErrorRoutingPresenter : public std::enable_shared_from_this<ServerEr
   void saveDefaults(const std::optional<std::string>& header, const std::optional<std::string>& headerValue);
   /// Puts the stored user name, header and switch into the controls.
   void loadDefaults();
-  /// The routing controls are shown only while the switch is on.
+  /// The routing controls are shown only while the switch is on, and the
+  /// result shows the stored header only: none once the header is removed.
   void updateUI();
 
   static std::string resultText(std::string_view endpoint, std::string_view header);
@@ -96,6 +97,8 @@ class ServerErrorRoutingPresenter : public std::enable_shared_from_this<ServerEr
   ServerErrorRoutingPresenter(ServerErrorRoutingView& view, std::shared_ptr<URLSession> session,
                               std::shared_ptr<MainQueue> mainQueue, std::string serverAddress);
   void showAnswer(const ServerErrorRoutingAnswer& answer);
+  /// The result text of the stored header, if one is stored.
+  static std::optional<std::string> storedResultText();
 
   ServerErrorRoutingView& view_;
   std::shared_ptr<URLSession> session_;

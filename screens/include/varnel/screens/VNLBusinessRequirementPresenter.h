@@ -64,12 +64,16 @@ class VNLBusinessRequirementPresenter {
   void viewWillAppear();
 
   /// A tester moved a switch. A requirement switch writes its local value,
-  /// moves the machine and updates the switches; the remote-value switch
-  /// settles every switch again, as on appearing.
+  /// moves the machine and updates the switches; commerce off also clears
+  /// renewals, upgrades and sales, while EVAS writes only its own value and
+  /// settles the other switches again. The remote-value switch settles every
+  /// switch again, as on appearing.
   void switchBusinessRequirement(VNLBusinessRequirementSwitch requirement, bool isOn);
 
  private:
   VNLSwitchState& state(VNLBusinessRequirementSwitch requirement);
+  /// Sets each requirement switch on or off from the remote and local values.
+  void settleRequirementSwitches();
   /// A fresh machine with the three states, each given the park context.
   void makeMachine();
   /// Enters the state that the local table calls for, through

@@ -106,8 +106,10 @@ Result<std::vector<ENTMEntitlementRef>> parseEntitlementList(const Json& list,
 /// other errors print their domain and code.
 std::string describeGuestDataError(const Error& error);
 
-/// An RFC 3339 date-time: date, "T", time with optional fraction, then "Z" or
-/// an offset. None for anything else, including impossible dates (02-30).
+/// An RFC 3339 date-time: date, "T" (or "t"), time with optional fraction,
+/// then "Z" (or "z") or an offset, in the proleptic Gregorian calendar that
+/// rfc3339() prints in. None for anything else, including impossible dates
+/// (02-30).
 std::optional<Date> parseRfc3339(std::string_view text);
 
 }  // namespace varnel::standalone

@@ -1,5 +1,8 @@
 #pragma once
-// Banners shown as a framed block of text on a terminal stream.
+// Banners shown as a framed block of text on a terminal stream: the title
+// (else the banner's kind), the message, the help number and a retry mark.
+// A banner without a message (the connection error has no text of its own)
+// says that the commerce service could not be reached and to try again.
 
 #include <iosfwd>
 

@@ -1,4 +1,4 @@
-#include "support/NetworkFakes.h"
+#include "varnel/testing/NetworkFakes.h"
 
 namespace varnel::testing {
 
