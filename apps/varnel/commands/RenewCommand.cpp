@@ -17,6 +17,7 @@
 
 #include "Command.h"
 #include "commands/CommerceSession.h"
+#include "commands/OrderText.h"
 #include "commands/RenewalOutput.h"
 #include "commands/RenewalSteps.h"
 #include "varnel/host/Registry.h"
@@ -48,6 +49,7 @@ class CommandLineGuest final : public RenewalFlowDelegate {
   void renewalOrderCreated(const RenewalOrder& order) override {
     std::cerr << "      order " << order.orderId << ", total " << order.pricing.total.value_or("?") << ' '
               << order.pricing.currency << '\n';
+    if (!options_.commerce.json) std::cout << orderSummary(order);
   }
   void chooseCard(const RenewalOrder&, const std::vector<PaymentAccount>& accounts, CardReply reply) override {
     if (accounts.empty()) return reply(std::nullopt);
@@ -59,7 +61,7 @@ class CommandLineGuest final : public RenewalFlowDelegate {
   void acceptTerms(const RenewalOrder&, Reply reply) override { reply(options_.acceptTerms); }
   void signContract(const VNLContractDataModel& contract, Reply reply) override {
     if (!options_.commerce.json) {
-      std::cout << "Monthly-payment contract:\n" << contract.contractForMobile << '\n';
+      std::cout << "Monthly-payment contract:\n" << plainTextOfHtml(contract.contractForMobile) << "\nLinks:\n";
       for (const auto& [name, link] : contract.linksDictionary) std::cout << "  " << name << ": " << link << '\n';
     }
     std::cerr << "      " << (options_.signContract ? "signed by the guest" : "not signed") << '\n';

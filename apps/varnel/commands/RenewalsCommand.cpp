@@ -14,6 +14,7 @@
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/platform/DefaultsValue.h"
 #include "varnel/purchase/RenewableState.h"
+#include "varnel/host/ResourceBundle.h"
 #include "varnel/standalone/GuestDataFile.h"
 #include "varnel/standalone/SqliteRenewalJournal.h"
 #include "varnel/standalone/SqliteUserDefaults.h"
