@@ -1,14 +1,26 @@
 // The stand-alone private data service against real loopback servers: how
 // answers become successes and errors, what each request carries, retries,
 // idempotency keys, routing headers, logging, TLS, timeouts and lifetime.
+// Nothing here measures time: slow servers are judged by how their request
+// failed and how many attempts it took.
 
 #include <atomic>
 #include <condition_variable>
+
+#include <gmock/gmock.h>
 #include <regex>
+
+#include <arpa/inet.h>
+#include <curl/curl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include "LoopbackServers.h"
 #include "NetworkTestSupport.h"
 #include "standalone/TemporaryDirectory.h"
+#include "support/TestCertificates.h"
+#include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/Registry.h"
 #include "varnel/standalone/network/JsonEnvironment.h"
 #include "varnel/standalone/network/NetworkErrors.h"
@@ -204,16 +216,57 @@ TEST_F(PrivateDataServiceTest, LogLinesCarryMethodHostPathAndStatusOnly) {
   }
 }
 
-TEST_F(PrivateDataServiceTest, SlowAnswersTimeOutAsConnectionErrors) {
-  server.server().Get("/slow", [](const httplib::Request&, httplib::Response& res) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(800));
-    res.set_content("{}", "application/json");
-  });
-  HttpClientOptions options;
-  options.transport.totalTimeout = std::chrono::milliseconds(100);
-  options.retry.maxRetries = 0;
-  makeService(options);
-  EXPECT_TRUE(connectionErrorOf(get("/slow").error));
+TEST_F(PrivateDataServiceTest, ServersThatHangTrickleOrRefuseEndTheRequestWithinItsBounds) {
+  // A bound loopback socket that never listens: connecting to it is refused.
+  const int closedPort = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  ASSERT_EQ(::bind(closedPort, reinterpret_cast<sockaddr*>(&address), length), 0);
+  ASSERT_EQ(::getsockname(closedPort, reinterpret_cast<sockaddr*>(&address), &length), 0);
+  const std::string refusing = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+
+  struct Case {
+    const char* name;
+    std::optional<Misbehaviour> misbehaviour;  // none: nobody listens
+    std::function<void(HttpClientOptions&)> tune;
+    int curlCode;
+    std::size_t attempts;
+  };
+  const std::vector<Case> cases = {
+      {"silent server: each attempt times out, and is retried", Misbehaviour::hold,
+       [](HttpClientOptions& o) { o.transport.totalTimeout = std::chrono::milliseconds(300); }, CURLE_OPERATION_TIMEDOUT, 3},
+      {"silent server: the deadline ends the request with its first attempt", Misbehaviour::hold,
+       [](HttpClientOptions& o) { o.retry.deadline = std::chrono::milliseconds(300); }, CURLE_OPERATION_TIMEDOUT, 1},
+      {"trickling server: too slow is a timeout", Misbehaviour::trickle,
+       [](HttpClientOptions& o) {
+         o.transport.lowSpeedLimit = 100;
+         o.transport.lowSpeedTime = std::chrono::seconds(1);
+         o.retry.maxRetries = 0;
+       },
+       CURLE_OPERATION_TIMEDOUT, 1},
+      {"refused connection: retried twice", std::nullopt, [](HttpClientOptions&) {}, CURLE_COULDNT_CONNECT, 3},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::optional<DroppingListener> listener;
+    if (c.misbehaviour) listener.emplace(*c.misbehaviour);
+    HttpClientOptions options;
+    c.tune(options);
+    makeService(options);
+    const std::string base = listener ? listener->baseUrl() : refusing;
+    const ServiceAnswer answer = call([&](auto success, auto failure) {
+      service->getDataUsingPath(base + "/accounts", std::nullopt, {}, success, failure);
+    });
+    ASSERT_TRUE(connectionErrorOf(answer.error));
+    EXPECT_EQ(answer.error->userInfo.value("curlCode", 0), c.curlCode);
+    EXPECT_EQ(attemptsLogged(base + "/accounts"), c.attempts);
+    if (listener) {
+      EXPECT_EQ(listener->requestHeads().size(), c.attempts);
+    }
+  }
+  ::close(closedPort);
 }
 
 TEST_F(PrivateDataServiceTest, HundredSequentialRequestsShareOneConnection) {
@@ -266,25 +319,46 @@ class TlsTest : public NetworkFixture {
   TemporaryDirectory directory;
 };
 
-TEST_F(TlsTest, ASelfSignedServerIsRefusedUnlessItsCertificateIsTrusted) {
-  writeSelfSignedCertificate(directory.path);
-  ScriptedServer tls(directory.path / "cert.pem", directory.path / "key.pem");
-  tls.server().Get("/json", [](const httplib::Request&, httplib::Response& res) { res.set_content("{}", "application/json"); });
-  tls.start();
-  auto fetch = [&] {
-    return call([&](auto success, auto failure) {
-      service->getDataUsingPath(tls.baseUrl() + "/json", std::nullopt, {}, success, failure);
-    });
+TEST_F(TlsTest, OnlyACertificateThatVerifiesIsAnsweredAndAFailedOneIsNeverRetried) {
+  TestCertificates authority(directory.path);
+  struct Case {
+    const char* name;
+    ServerCertificate certificate;
+    bool trustTheCa;
+    bool answered;
   };
-  HttpClientOptions untrusted;
-  untrusted.retry.maxRetries = 0;
-  makeService(untrusted);
-  EXPECT_TRUE(connectionErrorOf(fetch().error));
-
-  HttpClientOptions trusted;
-  trusted.transport.extraCaFile = directory.path / "cert.pem";
-  makeService(trusted);
-  EXPECT_TRUE(fetch().succeeded);
+  const std::vector<Case> cases = {
+      {"signed by a trusted CA for 127.0.0.1", authority.issue("good"), true, true},
+      {"signed by a CA that is not trusted", authority.issue("untrusted"), false, false},
+      {"for another host name", authority.issue("elsewhere", "DNS:elsewhere.example"), true, false},
+      {"expired", authority.issue("expired", "DNS:localhost,IP:127.0.0.1", -2 * 86400, -86400), true, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    ScriptedServer tls(c.certificate.certificate, c.certificate.key);
+    tls.server().Get("/json", [](const httplib::Request&, httplib::Response& res) { res.set_content("{}", "application/json"); });
+    tls.start();
+    HttpClientOptions options;
+    if (c.trustTheCa) options.transport.extraCaFile = authority.caFile();
+    makeService(options);
+    auto fetch = [&] {
+      return call([&](auto success, auto failure) {
+        service->getDataUsingPath(tls.baseUrl() + "/json", std::nullopt, {}, success, failure);
+      });
+    };
+    const ServiceAnswer answer = fetch();
+    EXPECT_EQ(answer.succeeded, c.answered);
+    if (c.answered) {
+      // Kept alive: a hundred more requests over the one connection and handshake.
+      for (int i = 0; i < 100; ++i) ASSERT_TRUE(fetch().succeeded);
+      EXPECT_EQ(client->transport().connectionsOpened(), 1);
+      continue;
+    }
+    ASSERT_TRUE(connectionErrorOf(answer.error));
+    EXPECT_TRUE(localizedDescription(*answer.error).starts_with("the server's certificate could not be verified: "))
+        << localizedDescription(*answer.error);
+    EXPECT_EQ(attemptsLogged(tls.baseUrl() + "/json"), 1u);
+  }
 }
 
 }  // namespace

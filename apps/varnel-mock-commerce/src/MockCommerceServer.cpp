@@ -1,6 +1,7 @@
 #include "varnel/mock/MockCommerceServer.h"
 
 #include <httplib.h>
+#include <openssl/ssl.h>
 #include <pthread.h>
 
 #include <chrono>
@@ -64,10 +65,26 @@ struct MockCommerceServer::Impl {
 
   std::function<void(const std::string&)> log;
   CommerceService service;
-  httplib::Server server;
+  std::unique_ptr<httplib::Server> server;
+  SSL_CTX* tls = nullptr;  // the HTTPS server's context; null over plain HTTP
   std::thread thread;
   int port = 0;
 };
+
+namespace {
+
+/// A plain server, or an HTTPS one over the certificate and key (TLS 1.2 at
+/// least); null when the files cannot be loaded.
+std::unique_ptr<httplib::Server> makeServer(const std::optional<TlsFiles>& tls, SSL_CTX** context) {
+  if (!tls) return std::make_unique<httplib::Server>();
+  auto server = std::make_unique<httplib::SSLServer>(tls->certificate.c_str(), tls->key.c_str());
+  if (!server->is_valid()) return nullptr;
+  *context = server->ssl_context();
+  SSL_CTX_set_min_proto_version(*context, TLS1_2_VERSION);
+  return server;
+}
+
+}  // namespace
 
 Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommerceOptions options, int port) {
   try {
@@ -78,32 +95,39 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
       return mockCommerceError(MockCommerceErrorCode::badOption, "the guest file has no profile.accessToken");
     }
     if (port < 0 || port > 65535) return mockCommerceError(MockCommerceErrorCode::badOption, "the port must be 0 to 65535");
+    const std::optional<TlsFiles> tls = options.tls;
     auto impl = std::make_unique<Impl>(std::move(options));
+    impl->server = makeServer(tls, &impl->tls);
+    if (!impl->server) {
+      return mockCommerceError(MockCommerceErrorCode::badOption,
+                               "cannot load the TLS certificate " + tls->certificate.string() + " and key " +
+                                   tls->key.string() + " (PEM files, the key matching the certificate)");
+    }
     Impl* state = impl.get();
     auto handler = [state](const httplib::Request& request, httplib::Response& response) { state->serve(request, response); };
-    impl->server.Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler).Patch(".*", handler);
-    impl->server.set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
+    impl->server->Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler).Patch(".*", handler);
+    impl->server->set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
       response.status = 500;
       response.set_content(bookingError("UNEXPECTED_ERROR", "The request could not be handled.").dump(), "application/json");
     });
-    impl->server.set_payload_max_length(kBodyLimit);
+    impl->server->set_payload_max_length(kBodyLimit);
     // Clients keep their connection for a whole renewal and longer; answers
     // go out at once instead of waiting for the client's acknowledgement.
-    impl->server.set_keep_alive_max_count(100000);
-    impl->server.set_tcp_nodelay(true);
+    impl->server->set_keep_alive_max_count(100000);
+    impl->server->set_tcp_nodelay(true);
     // The library's default also sets SO_REUSEPORT, which would let a second
     // server share a busy port instead of refusing it.
-    impl->server.set_socket_options([](socket_t socket) {
+    impl->server->set_socket_options([](socket_t socket) {
       int yes = 1;
       setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
 
-    impl->port = port == 0 ? impl->server.bind_to_any_port(kHost) : (impl->server.bind_to_port(kHost, port) ? port : -1);
+    impl->port = port == 0 ? impl->server->bind_to_any_port(kHost) : (impl->server->bind_to_port(kHost, port) ? port : -1);
     if (impl->port <= 0) {
       return mockCommerceError(MockCommerceErrorCode::cannotListen,
                                "cannot listen on " + std::string(kHost) + ":" + std::to_string(port));
     }
-    impl->service.setBaseUrl("http://" + std::string(kHost) + ":" + std::to_string(impl->port));
+    impl->service.setBaseUrl((impl->tls ? "https://" : "http://") + std::string(kHost) + ":" + std::to_string(impl->port));
     impl->thread = std::thread([state] {
       // Writing the answer of a cut connection raises SIGPIPE; the server's
       // threads (made by this one) inherit the blocked signal.
@@ -111,10 +135,10 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
       sigemptyset(&pipe);
       sigaddset(&pipe, SIGPIPE);
       pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
-      state->server.listen_after_bind();
+      state->server->listen_after_bind();
     });
     // The socket already listens; wait for the accepting loop as well.
-    for (int i = 0; i < 5000 && !impl->server.is_running(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    for (int i = 0; i < 5000 && !impl->server->is_running(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return std::unique_ptr<MockCommerceServer>(new MockCommerceServer(std::move(impl)));
   } catch (const std::exception& error) {
     return mockCommerceError(MockCommerceErrorCode::cannotListen, error.what());
@@ -127,12 +151,16 @@ MockCommerceServer::~MockCommerceServer() { stop(); }
 
 int MockCommerceServer::port() const { return impl_->port; }
 
-std::string MockCommerceServer::baseUrl() const { return "http://" + std::string(kHost) + ":" + std::to_string(impl_->port); }
+std::string MockCommerceServer::baseUrl() const {
+  return (impl_->tls ? "https://" : "http://") + std::string(kHost) + ":" + std::to_string(impl_->port);
+}
+
+long MockCommerceServer::tlsHandshakes() const { return impl_->tls ? SSL_CTX_sess_accept_good(impl_->tls) : 0; }
 
 void MockCommerceServer::stop() {
   try {
     impl_->service.interruptDelays();
-    impl_->server.stop();
+    impl_->server->stop();
     if (impl_->thread.joinable()) impl_->thread.join();
   } catch (...) {
   }

@@ -20,6 +20,7 @@ struct HttpClient::Call final : HttpCall {
   Completion completion;
   int attempt = 1;
   bool write = false;
+  std::chrono::steady_clock::time_point deadline;
 
   std::mutex mutex;
   bool cancelled = false;
@@ -72,6 +73,7 @@ std::shared_ptr<HttpCall> HttpClient::send(HttpRequest request, Completion compl
   }
   call->request = std::move(request);
   call->completion = std::move(completion);
+  call->deadline = std::chrono::steady_clock::now() + options_.retry.deadline;
   ++*inFlight_;
   dispatch(call, std::chrono::milliseconds{0});
   return call;
@@ -83,6 +85,8 @@ void HttpClient::dispatch(const std::shared_ptr<Call>& call, std::chrono::millis
     --*inFlight_;
     return;
   }
+  const auto start = std::chrono::steady_clock::now() + delay;
+  call->request.timeout = std::chrono::ceil<std::chrono::milliseconds>(call->deadline - start);
   call->transfer = transport_->send(
       call->request, [this, call](HttpOutcome outcome) { finish(call, std::move(outcome)); }, delay);
 }
@@ -94,11 +98,14 @@ void HttpClient::finish(const std::shared_ptr<Call>& call, HttpOutcome outcome) 
     return;
   }
   const bool mayRetry = !call->write || call->request.headers.contains(kIdempotencyKeyHeader);
-  if (outcome.failure && mayRetry && call->attempt <= options_.retry.maxRetries) {
+  if (outcome.failure && mayRetry && call->attempt <= options_.retry.maxRetries &&
+      RetryPolicy::retries(*outcome.failure)) {
     const auto wait = options_.retry.backoff(call->attempt, random_);
-    ++call->attempt;
-    dispatch(call, wait);
-    return;
+    if (std::chrono::steady_clock::now() + wait < call->deadline) {
+      ++call->attempt;
+      dispatch(call, wait);
+      return;
+    }
   }
   if (call->write && outcome.answered()) keys_.writeAnswered(call->request.url, call->request.body.value_or(""));
   auto completion = std::move(call->completion);

@@ -3,10 +3,13 @@
 namespace varnel::standalone {
 
 Error transportError(const TransportFailure& failure) {
+  const std::string reason = failure.certificateRejected()
+                                 ? "the server's certificate could not be verified: " + failure.message
+                                 : "No answer from the service: " + failure.message;
   return Error{kNetworkErrorDomain, static_cast<long>(NetworkErrorCode::transportFailed),
                Json{{kErrorIsConnectionErrorKey, true},
                     {"curlCode", failure.code},
-                    {kErrorLocalizedDescriptionKey, "No answer from the service: " + failure.message}}};
+                    {kErrorLocalizedDescriptionKey, reason}}};
 }
 
 Error httpStatusError(long status, const std::string& body) {

@@ -4,7 +4,9 @@
 //   "isConnectionError"  true when no answer arrived (refused, reset, timeout, TLS)
 //   "jsonResponse"       the decoded error body, when the body was JSON
 //   "statusCode"         the HTTP status, when there was an answer
-//   "NSLocalizedDescription"  a readable reason (never a body or a header value)
+//   "NSLocalizedDescription"  a readable reason (never a body or a header value);
+//                             "the server's certificate could not be verified: ..."
+//                             when TLS verification failed
 
 #include <optional>
 #include <string>
