@@ -192,13 +192,53 @@ TEST_F(PrivateDataServiceTest, TransportFailuresAreRetriedTwiceAndWritesKeepThei
   EXPECT_NE(heads[6].find("Idempotency-Key: " + key), std::string::npos);
 }
 
-TEST_F(PrivateDataServiceTest, RoutingHeaderIsSentOnlyWhileRoutingIsOn) {
-  defaults->setObject(kServerErrorRoutingHeaderKey,
-                      DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("route-7")}});
-  for (bool on : {true, false}) {
-    defaults->setBool(kServerErrorRoutingUseFeatureKey, on);
-    ASSERT_TRUE(get("/record").succeeded);
-    EXPECT_EQ(lastSeen().get_header_value("X-Orvane-Internal-Mock-AP"), on ? "route-7" : "");
+TEST_F(PrivateDataServiceTest, HeadersFromSettingsAndCallersNeverReplaceTheRequestsOwn) {
+  enum class From { routing, routingSwitchedOff, override };
+  struct Case {
+    From from;
+    std::string name;
+    std::string value;
+    bool sent;
+  };
+  using namespace std::string_literals;
+  const std::vector<Case> cases = {
+      {From::routing, "X-Orvane-Internal-Mock-AP", "route-7", true},
+      {From::routingSwitchedOff, "X-Orvane-Internal-Mock-AP", "route-7", false},
+      {From::override, "X-Orvane-Internal-Mock-AP", "tkx_error_871", true},
+      {From::routing, "Authorization", "Bearer someone-else", false},
+      {From::routing, "authorization", "Bearer someone-else", false},
+      {From::routing, "X-Note", "a\r\nInjected: 1", false},
+      {From::routing, "X-Note", "a\nInjected: 1", false},
+      {From::routing, "X-Note", "a\0b"s, false},
+      {From::routing, "X-Note\r\nInjected", "1", false},
+      {From::routing, "Idempotency-Key", "chosen-key", false},
+      {From::override, "Host", "elsewhere.example", false},
+      {From::override, "Content-Type", "text/plain", false},
+      {From::override, "CONTENT-LENGTH", "0", false},
+      {From::override, "Idempotency-Key", "chosen-key", false},
+  };
+  const std::regex uuid("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
+  auto refusalsLogged = [this] {
+    const auto lines = log->messages();
+    return std::count_if(lines.begin(), lines.end(), [](const std::string& line) { return line.starts_with("Refused the header"); });
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name + ": " + c.value);
+    defaults->setBool(kServerErrorRoutingUseFeatureKey, c.from == From::routing);
+    defaults->setObject(kServerErrorRoutingHeaderKey, DefaultsDictionary{{c.name, DefaultsValue(c.value)}});
+    const auto refusalsBefore = refusalsLogged();
+    HTTPHeaderFields overrides;
+    if (c.from == From::override) overrides.insert_or_assign(c.name, c.value);
+    ASSERT_TRUE(post(server.baseUrl() + "/record", Json{{"order", "o-1"}}, overrides).succeeded);
+    const httplib::Request received = lastSeen();
+    EXPECT_EQ(received.has_header(c.name) && received.get_header_value(c.name) == c.value, c.sent);
+    EXPECT_FALSE(received.has_header("Injected"));
+    EXPECT_EQ(received.get_header_value("Authorization"), "Bearer token-1");
+    EXPECT_EQ(received.get_header_value("Content-Type"), "application/json");
+    EXPECT_EQ(received.get_header_value("Host"), "127.0.0.1:" + std::to_string(server.port()));
+    EXPECT_TRUE(std::regex_match(received.get_header_value("Idempotency-Key"), uuid));
+    EXPECT_EQ(refusalsLogged() - refusalsBefore, c.sent || c.from == From::routingSwitchedOff ? 0 : 1);
+    for (const auto& line : log->messages()) EXPECT_EQ(line.find("someone-else"), std::string::npos) << line;
   }
 }
 

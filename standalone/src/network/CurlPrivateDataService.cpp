@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "varnel/standalone/network/HeaderRules.h"
 #include "varnel/standalone/network/NetworkErrors.h"
 
 namespace varnel::standalone {
@@ -109,7 +110,7 @@ void CurlPrivateDataService::getDataUsingPath(const std::string& url, const std:
   }
   HttpRequest request{"GET", std::move(*target), requestSerializerHTTPRequestHeaders(), std::nullopt};
   request.headers.erase("Content-Type");
-  for (const auto& [name, value] : overrideHeaders) request.headers.insert_or_assign(name, value);
+  addUntrustedHeaders(request, overrideHeaders, "the override headers");
   send(std::move(request), std::move(success), std::move(failure));
 }
 
@@ -122,7 +123,7 @@ void CurlPrivateDataService::postDataUsingPath(const std::string& url, const Jso
   }
   HttpRequest request{"POST", url, requestSerializerHTTPRequestHeaders(),
                       parameters.dump(-1, ' ', false, Json::error_handler_t::replace)};
-  for (const auto& [name, value] : overrideHeaders) request.headers.insert_or_assign(name, value);
+  addUntrustedHeaders(request, overrideHeaders, "the override headers");
   send(std::move(request), std::move(success), std::move(failure));
 }
 

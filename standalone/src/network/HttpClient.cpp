@@ -5,6 +5,7 @@
 
 #include "varnel/host/KTVCPrintUtility.h"
 #include "varnel/host/Registry.h"
+#include "varnel/standalone/network/HeaderRules.h"
 #include "varnel/standalone/network/RequestLog.h"
 
 namespace varnel::standalone {
@@ -57,9 +58,11 @@ void HttpClient::addRoutingHeader(HttpRequest& request) const {
   auto stored = defaults->objectForKey(kServerErrorRoutingHeaderKey);
   const auto* headers = stored ? stored->get<DefaultsDictionary>() : nullptr;
   if (!headers) return;
+  HTTPHeaderFields routing;
   for (const auto& [name, value] : *headers) {
-    if (const auto* text = value.get<std::string>()) request.headers.insert_or_assign(name, *text);
+    if (const auto* text = value.get<std::string>()) routing.insert_or_assign(name, *text);
   }
+  addUntrustedHeaders(request, routing, "the server-error routing settings");
 }
 
 std::shared_ptr<HttpCall> HttpClient::send(HttpRequest request, Completion completion) {
