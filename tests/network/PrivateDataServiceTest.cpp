@@ -58,6 +58,20 @@ class PrivateDataServiceTest : public NetworkFixture {
       res.status = 404;
       res.set_content("not here", "text/plain");
     });
+    http.Get("/gateway", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.status = 502;
+      res.set_content("<html><body>Bad Gateway</body></html>", "text/html");
+    });
+    http.Get("/moved", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.set_redirect("/json", 303);
+    });
+    http.Get("/unbooked", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.status = 500;
+      res.set_content(R"({"message":"upstream failed","errors":"none"})", "application/json");
+    });
     auto record = [this](const httplib::Request& req, httplib::Response& res) {
       std::lock_guard lock(mutex);
       seen.push_back(req);
@@ -94,14 +108,18 @@ TEST_F(PrivateDataServiceTest, AnswersBecomeSuccessesOrErrorsAndAreNeverRetried)
     bool succeeds;
     std::optional<Json> value;
     std::optional<long> statusCode;
-    bool hasJsonResponse;
+    // The booking-service mapping of the error: what the guest is shown.
+    std::optional<APError> commerceError;
   };
   const std::vector<Case> cases = {
-      {"/json", true, Json{{"ok", true}}, std::nullopt, false},
-      {"/empty", true, std::nullopt, std::nullopt, false},
-      {"/text", false, std::nullopt, 200, false},
-      {"/booking", false, std::nullopt, 500, true},
-      {"/missing", false, std::nullopt, 404, false},
+      {"/json", true, Json{{"ok", true}}, std::nullopt, std::nullopt},
+      {"/empty", true, std::nullopt, std::nullopt, std::nullopt},
+      {"/text", false, std::nullopt, 200, std::nullopt},
+      {"/booking", false, std::nullopt, 500, APError::PAYMENT_DECLINED},
+      {"/missing", false, std::nullopt, 404, APError::GeneralBookingServiceError},
+      {"/gateway", false, std::nullopt, 502, APError::GeneralBookingServiceError},
+      {"/moved", false, std::nullopt, 303, APError::GeneralBookingServiceError},
+      {"/unbooked", false, std::nullopt, 500, APError::GeneralBookingServiceError},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.path);
@@ -114,10 +132,12 @@ TEST_F(PrivateDataServiceTest, AnswersBecomeSuccessesOrErrorsAndAreNeverRetried)
     ASSERT_TRUE(answer.error);
     EXPECT_FALSE(connectionErrorOf(answer.error));
     EXPECT_EQ(answer.error->userInfo.value(kErrorStatusCodeKey, 0L), *c.statusCode);
-    EXPECT_EQ(answer.error->userInfo.contains(kErrorJsonResponseKey), c.hasJsonResponse);
+    EXPECT_EQ(APBookingServiceError(*answer.error), c.commerceError);
   }
   const auto declined = get("/booking");
   EXPECT_EQ(declined.error->userInfo[kErrorJsonResponseKey]["errors"][0]["typeId"], "PAYMENT_DECLINED");
+  // What the service did send stays beside the general element.
+  EXPECT_EQ(get("/unbooked").error->userInfo[kErrorJsonResponseKey]["message"], "upstream failed");
 }
 
 TEST_F(PrivateDataServiceTest, RequestsCarryQueryDefaultsAuthorizationAndOverrides) {

@@ -1,5 +1,8 @@
 #include "varnel/standalone/network/NetworkErrors.h"
 
+#include "varnel/errors/ErrorConstants.h"
+#include "varnel/errors/ErrorMapping.h"
+
 namespace varnel::standalone {
 
 Error transportError(const TransportFailure& failure) {
@@ -16,7 +19,18 @@ Error httpStatusError(long status, const std::string& body) {
   Json userInfo{{kErrorIsConnectionErrorKey, false},
                 {kErrorStatusCodeKey, status},
                 {kErrorLocalizedDescriptionKey, "The service answered with HTTP status " + std::to_string(status)}};
-  if (auto json = decodeJsonBody(body)) userInfo[kErrorJsonResponseKey] = std::move(*json);
+  std::optional<Json> json = decodeJsonBody(body);
+  if (!json || !isBookingErrorBody(*json)) {
+    // No booking error body (a proxy's HTML page, a 404 page, a redirect): the
+    // service failed all the same, and the guest is told so with the general
+    // service error, so the body gets a general booking error element.
+    Json general = json && json->is_object() ? std::move(*json) : Json::object();
+    general[std::string(ErrorConstants::kErrorsKey)] = Json::array(
+        {Json{{std::string(ErrorConstants::kTypeIdKey), "HTTP_" + std::to_string(status)},
+              {"message", "The service answered with HTTP status " + std::to_string(status) + "."}}});
+    json = std::move(general);
+  }
+  userInfo[kErrorJsonResponseKey] = std::move(*json);
   return Error{kHTTPErrorDomain, status, std::move(userInfo)};
 }
 
