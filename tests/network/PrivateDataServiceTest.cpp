@@ -267,8 +267,14 @@ TEST_F(PrivateDataServiceTest, LogLinesCarryMethodHostPathAndStatusOnly) {
   get("/record", Json{{"email", "guest@example.test"}});
   const auto lines = log->messages();
   const std::string target = "127.0.0.1:" + std::to_string(server.port()) + "/record";
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "POST " + target + " -> 200"), lines.end());
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "GET " + target + " -> 200"), lines.end());
+  auto logged = [&](const std::string& start) {
+    return std::find_if(lines.begin(), lines.end(), [&](const std::string& line) { return line.starts_with(start); });
+  };
+  ASSERT_NE(logged("POST " + target + " -> 200 ["), lines.end()) << ::testing::PrintToString(lines);
+  EXPECT_THAT(*logged("POST " + target + " -> 200 ["),
+              ::testing::AllOf(::testing::HasSubstr("Authorization: REDACTED"), ::testing::HasSubstr("Idempotency-Key: "),
+                               ::testing::HasSubstr("Content-Type: application/json")));
+  EXPECT_NE(logged("GET " + target + " -> 200 ["), lines.end());
   for (const auto& line : lines) {
     for (const char* secret : {"4111111111111111", "737", "token-1", "guest@example", "secret", "query"}) {
       EXPECT_EQ(line.find(secret), std::string::npos) << line;

@@ -58,8 +58,7 @@ class CurlPrivateDataService final : public KTVRPrivateDataService {
   AccessTokenSource accessToken_;
   std::shared_ptr<KTVREnvironment> environment_;
   std::shared_ptr<CallbackGate> gate_ = std::make_shared<CallbackGate>();
-  std::mutex callsMutex_;
-  std::vector<std::weak_ptr<HttpCall>> calls_;
+  CallTracker<HttpCall> calls_;
 };
 
 /// `url` with `parameters` (an object; strings as they are, other values as
