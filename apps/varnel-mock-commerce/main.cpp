@@ -1,5 +1,6 @@
 // varnel-mock-commerce: the commerce service's stand-in for testers and tests.
-// Prints "listening on http://127.0.0.1:PORT" once it accepts connections,
+// Prints "listening on http://127.0.0.1:PORT" (https:// with --tls-cert and
+// --tls-key) once it accepts connections,
 // logs one line per request on stderr, and stops on SIGINT or SIGTERM.
 
 #include <CLI/CLI.hpp>
@@ -34,6 +35,8 @@ int main(int argc, char** argv) {
   std::vector<std::string> faults;
   std::vector<std::string> routes;
   std::vector<std::string> routeFaults;
+  std::string tlsCertificate;
+  std::string tlsKey;
   bool quiet = false;
 
   CLI::App app{"varnel-mock-commerce: the commerce service's stand-in, serving one guest file's household on 127.0.0.1"};
@@ -43,6 +46,11 @@ int main(int argc, char** argv) {
   app.add_option("--route", routes, "NAME=ENDPOINT,HEADER: the routing service's answer for NAME (repeatable)");
   app.add_option("--route-fault", routeFaults,
                  "VALUE=KIND[*N]: the fault of requests whose X-Orvane-Internal-Mock-AP header is VALUE (repeatable)");
+  auto* certificateOption =
+      app.add_option("--tls-cert", tlsCertificate, "PEM certificate (chain) of the server: serve HTTPS")->check(CLI::ExistingFile);
+  auto* keyOption = app.add_option("--tls-key", tlsKey, "PEM private key of --tls-cert")->check(CLI::ExistingFile);
+  certificateOption->needs(keyOption);
+  keyOption->needs(certificateOption);
   app.add_flag("--quiet", quiet, "Log no request lines");
   try {
     app.parse(argc, argv);
@@ -58,6 +66,7 @@ int main(int argc, char** argv) {
     auto guest = standalone::readGuestDataFile(guestFile);
     if (!guest) return usage(reasonOf(guest.error()));
     options.guest = std::move(guest.value());
+    if (!tlsCertificate.empty()) options.tls = mock::TlsFiles{tlsCertificate, tlsKey};
     for (const auto& text : faults) {
       auto fault = mock::EndpointFault::parse(text);
       if (!fault) return usage(reasonOf(fault.error()));

@@ -116,6 +116,8 @@ std::optional<APError> APBookingServiceError(const Error& error) {
   return APError::GeneralBookingServiceError;
 }
 
+bool isBookingErrorBody(const Json& body) { return firstErrorElement(body) != nullptr; }
+
 std::optional<APError> APEvasError(const Error& error) {
   const Json* member = jsonMember(error.userInfo, kErrorJsonResponseKey);
   const Json& body = member && member->is_object() ? *member : emptyObject();

@@ -41,6 +41,7 @@ void CommerceOverHttpTest::start(standalone::GuestData guest, std::optional<std:
   mock::MockCommerceOptions options;
   options.guest = household;
   options.routeFaults = routeFaults;
+  options.tls = tls;
   options.requestLog = [log = serverLog_](const std::string& line) {
     std::lock_guard lock(log->mutex);
     log->lines.push_back(line);
@@ -51,7 +52,7 @@ void CommerceOverHttpTest::start(standalone::GuestData guest, std::optional<std:
 
   host::Registry::set<KTVRAuthenticationService>(
       std::make_shared<standalone::StaticAuthenticationService>(signedIn, household.email));
-  networking = installQuickNetworking(server->baseUrl(), household.accessToken);
+  networking = installQuickNetworking(server->baseUrl(), household.accessToken, trustedCa);
 }
 
 void CommerceOverHttpTest::stop() {

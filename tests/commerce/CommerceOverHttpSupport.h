@@ -4,6 +4,7 @@
 // pointed at it with quick retries and a short timeout, and the module's
 // requests called through the registered private data service.
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -81,6 +82,9 @@ class CommerceOverHttpTest : public HostFixture {
   standalone::GuestData household;
   /// Faults the next start() gives the mock, by routing-header value.
   std::vector<mock::RouteFault> routeFaults;
+  /// The next start() serves HTTPS with these files, trusting `trustedCa`.
+  std::optional<mock::TlsFiles> tls;
+  std::optional<std::filesystem::path> trustedCa;
   std::unique_ptr<mock::MockCommerceServer> server;
   standalone::StandaloneNetworking networking;
   KTVCParkResortContext park{kResortChoiceEast};

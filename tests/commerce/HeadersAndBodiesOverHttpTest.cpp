@@ -1,7 +1,7 @@
 // What the commerce service receives from the module over loopback HTTP: the
 // test headers and how long they stay, guest identifiers in paths, the
 // order bodies under the tester switches, and a checkout whose answer was
-// lost on the way back.
+// lost on the way back, and a whole renewal over HTTPS.
 
 #include <filesystem>
 #include <fstream>
@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 
 #include "commerce/CommerceOverHttpSupport.h"
+#include "standalone/TemporaryDirectory.h"
+#include "support/TestCertificates.h"
 #include "varnel/entitlements/VNLVarnel.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/ApplicationBundle.h"
@@ -254,6 +256,25 @@ TEST_F(HeadersAndBodiesOverHttpTest, LostCheckoutAnswerIsRecoveredWithoutASecond
   auto all = requestsTo("create-order-purchase");
   ASSERT_EQ(all.size(), 3u);
   EXPECT_NE(headerOf(all[2], standalone::kIdempotencyKeyHeader), key);
+}
+
+TEST_F(HeadersAndBodiesOverHttpTest, ARenewalOverHttpsTakesOneConnectionAndOneHandshake) {
+  TemporaryDirectory directory;
+  TestCertificates authority(directory.path);
+  const ServerCertificate certificate = authority.issue("mock-commerce");
+  tls = mock::TlsFiles{certificate.certificate, certificate.key};
+  trustedCa = authority.caFile();
+  start(household, household.kuid);
+  ASSERT_TRUE(server->baseUrl().starts_with("https://127.0.0.1:"));
+
+  ASSERT_TRUE(accounts().onlySucceeded());
+  const std::string orderId = placeOrder();
+  ASSERT_FALSE(orderId.empty());
+  ASSERT_TRUE(contract(orderId).onlySucceeded());
+  ASSERT_TRUE(checkout(orderId).onlySucceeded());
+  EXPECT_EQ(server->charges()[orderId], 1);
+  EXPECT_EQ(server->tlsHandshakes(), 1);
+  EXPECT_EQ(networking.client->transport().connectionsOpened(), 1);
 }
 
 }  // namespace

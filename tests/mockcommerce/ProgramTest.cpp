@@ -1,5 +1,6 @@
 // The varnel-mock-commerce program as a child process: its first line, a free
-// port that really serves, a clean stop on SIGTERM, status 2 for bad options.
+// port that really serves (HTTP, or HTTPS with a certificate), a clean stop on
+// SIGTERM, status 2 for bad options.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -10,6 +11,8 @@
 #include <regex>
 
 #include "MockCommerceTestSupport.h"
+#include "standalone/TemporaryDirectory.h"
+#include "support/TestCertificates.h"
 
 namespace varnel::mock::testing {
 namespace {
@@ -45,25 +48,45 @@ int exitStatus(pid_t pid) {
 }
 
 TEST(MockCommerceProgram, PrintsItsAddressServesAndStopsOnSigterm) {
-  Child child = launch({"--port", "0", "--quiet"});
-  ASSERT_GT(child.pid, 0);
-  char line[256] = {};
-  ASSERT_NE(std::fgets(line, sizeof line, child.output), nullptr);
-  std::smatch match;
-  std::string first(line);
-  ASSERT_TRUE(std::regex_match(first, match, std::regex("listening on http://127\\.0\\.0\\.1:([0-9]+)\n"))) << first;
-  int port = std::stoi(match[1]);
-  EXPECT_GT(port, 0);
+  varnel::testing::TemporaryDirectory directory;
+  varnel::testing::TestCertificates authority(directory.path);
+  const auto certificate = authority.issue("mock-commerce");
+  for (const bool https : {false, true}) {
+    SCOPED_TRACE(https ? "https" : "http");
+    std::vector<std::string> arguments{"--port", "0", "--quiet"};
+    if (https) {
+      arguments.insert(arguments.end(), {"--tls-cert", certificate.certificate.string(), "--tls-key", certificate.key.string()});
+    }
+    Child child = launch(arguments);
+    ASSERT_GT(child.pid, 0);
+    char line[256] = {};
+    ASSERT_NE(std::fgets(line, sizeof line, child.output), nullptr);
+    std::smatch match;
+    std::string first(line);
+    const std::string scheme = https ? "https" : "http";
+    ASSERT_TRUE(std::regex_match(first, match, std::regex("listening on " + scheme + "://127\\.0\\.0\\.1:([0-9]+)\n")))
+        << first;
+    int port = std::stoi(match[1]);
+    EXPECT_GT(port, 0);
 
-  httplib::Client client("127.0.0.1", port);
-  auto answer = client.Get((std::string("/profile/guests/") + kGuestKuid + "/payment-accounts").c_str(),
-                           {{"Authorization", std::string("Bearer ") + kToken}});
-  ASSERT_TRUE(answer);
-  EXPECT_EQ(answer->status, 200);
+    std::unique_ptr<httplib::ClientImpl> client;
+    if (https) {
+      auto secure = std::make_unique<httplib::SSLClient>("127.0.0.1", port);
+      secure->set_ca_cert_path(authority.caFile().c_str());
+      secure->enable_server_certificate_verification(true);
+      client = std::move(secure);
+    } else {
+      client = std::make_unique<httplib::ClientImpl>("127.0.0.1", port);
+    }
+    auto answer = client->Get((std::string("/profile/guests/") + kGuestKuid + "/payment-accounts").c_str(),
+                              {{"Authorization", std::string("Bearer ") + kToken}});
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 200);
 
-  kill(child.pid, SIGTERM);
-  EXPECT_EQ(exitStatus(child.pid), 0);
-  std::fclose(child.output);
+    kill(child.pid, SIGTERM);
+    EXPECT_EQ(exitStatus(child.pid), 0);
+    std::fclose(child.output);
+  }
 }
 
 TEST(MockCommerceProgram, BadOptionsExitWithStatusTwo) {
@@ -74,6 +97,10 @@ TEST(MockCommerceProgram, BadOptionsExitWithStatusTwo) {
       {"--fault", "nowhere=reset"},
       {"--route", "no-comma"},
       {"--guest", "/no/such/guest.json"},
+      {"--tls-cert", "/no/such/cert.pem", "--tls-key", "/no/such/key.pem"},
+      {"--tls-cert", VARNEL_TEST_RESOURCE_DIR "/guests/sample-guest.json"},
+      {"--tls-cert", VARNEL_TEST_RESOURCE_DIR "/guests/sample-guest.json", "--tls-key",
+       VARNEL_TEST_RESOURCE_DIR "/guests/sample-guest.json"},
   };
   for (const auto& arguments : rows) {
     Child child = launch(arguments);

@@ -2,9 +2,6 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
-#include <openssl/x509v3.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -37,7 +34,7 @@ ScriptedServer::~ScriptedServer() {
 
 std::string ScriptedServer::baseUrl() const { return scheme_ + "://127.0.0.1:" + std::to_string(port_); }
 
-DroppingListener::DroppingListener() {
+DroppingListener::DroppingListener(Misbehaviour misbehaviour) : misbehaviour_(misbehaviour) {
   socket_ = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -67,9 +64,27 @@ DroppingListener::DroppingListener() {
         std::lock_guard lock(mutex_);
         heads_.push_back(head.substr(0, head.find("\r\n\r\n")));
       }
+      misbehave(connection);
       ::close(connection);
     }
   });
+}
+
+void DroppingListener::misbehave(int connection) const {
+  if (misbehaviour_ == Misbehaviour::drop) return;
+  if (misbehaviour_ == Misbehaviour::trickle) {
+    const std::string head = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 100000\r\n\r\n";
+    if (::send(connection, head.data(), head.size(), MSG_NOSIGNAL) < 0) return;
+  }
+  // Until the client hangs up (or the listener stops): silence, or a byte now and then.
+  while (!stopping_) {
+    pollfd readable{connection, POLLIN, 0};
+    if (::poll(&readable, 1, 100) > 0) {
+      char buffer[256];
+      if (::recv(connection, buffer, sizeof buffer, 0) <= 0) return;
+    }
+    if (misbehaviour_ == Misbehaviour::trickle && ::send(connection, " ", 1, MSG_NOSIGNAL) < 0) return;
+  }
 }
 
 DroppingListener::~DroppingListener() {
@@ -83,37 +98,6 @@ std::string DroppingListener::baseUrl() const { return "http://127.0.0.1:" + std
 std::vector<std::string> DroppingListener::requestHeads() const {
   std::lock_guard lock(mutex_);
   return heads_;
-}
-
-void writeSelfSignedCertificate(const std::filesystem::path& directory) {
-  EVP_PKEY* key = EVP_RSA_gen(2048);
-  X509* certificate = X509_new();
-  X509_set_version(certificate, 2);
-  ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
-  X509_gmtime_adj(X509_getm_notBefore(certificate), -3600);
-  X509_gmtime_adj(X509_getm_notAfter(certificate), 24 * 3600);
-  X509_set_pubkey(certificate, key);
-  X509_NAME* name = X509_get_subject_name(certificate);
-  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("localhost"), -1, -1, 0);
-  X509_set_issuer_name(certificate, name);
-  X509V3_CTX context;
-  X509V3_set_ctx_nodb(&context);
-  X509V3_set_ctx(&context, certificate, certificate, nullptr, nullptr, 0);
-  for (const char* extension : {"subjectAltName", "basicConstraints"}) {
-    const char* value = std::string_view(extension) == "subjectAltName" ? "DNS:localhost,IP:127.0.0.1" : "critical,CA:TRUE";
-    X509_EXTENSION* made = X509V3_EXT_nconf(nullptr, &context, extension, value);
-    X509_add_ext(certificate, made, -1);
-    X509_EXTENSION_free(made);
-  }
-  X509_sign(certificate, key, EVP_sha256());
-  FILE* certFile = std::fopen((directory / "cert.pem").c_str(), "w");
-  PEM_write_X509(certFile, certificate);
-  std::fclose(certFile);
-  FILE* keyFile = std::fopen((directory / "key.pem").c_str(), "w");
-  PEM_write_PrivateKey(keyFile, key, nullptr, nullptr, 0, nullptr, nullptr);
-  std::fclose(keyFile);
-  X509_free(certificate);
-  EVP_PKEY_free(key);
 }
 
 }  // namespace varnel::testing

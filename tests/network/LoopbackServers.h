@@ -1,7 +1,8 @@
 #pragma once
 // Servers on 127.0.0.1 for the networking tests: a scripted HTTP(S) server
-// whose handlers the test sets, and a listener that takes connections and
-// drops them without answering (after reading the request head).
+// whose handlers the test sets, and a listener that reads each request head
+// and then misbehaves: drops the connection, holds it without a word, or
+// trickles an answer a byte at a time.
 
 #include <httplib.h>
 
@@ -36,17 +37,27 @@ class ScriptedServer {
   std::thread thread_;
 };
 
-/// Accepts connections, reads each request head and closes the connection
-/// without a word: a service that resets every request.
+/// What a DroppingListener does once it has read a request head.
+enum class Misbehaviour {
+  drop,     ///< closes the connection without a word
+  hold,     ///< keeps it open, silent, until the client gives up
+  trickle,  ///< sends a status line and headers, then one body byte every 100 ms
+};
+
+/// Accepts connections one at a time, reads each request head and then
+/// misbehaves; by default a service that resets every request.
 class DroppingListener {
  public:
-  DroppingListener();
+  explicit DroppingListener(Misbehaviour misbehaviour = Misbehaviour::drop);
   ~DroppingListener();
   std::string baseUrl() const;
   /// The request heads read so far, one per connection.
   std::vector<std::string> requestHeads() const;
 
  private:
+  void misbehave(int connection) const;
+
+  Misbehaviour misbehaviour_;
   int socket_ = -1;
   int port_ = 0;
   std::atomic<bool> stopping_{false};
@@ -54,9 +65,5 @@ class DroppingListener {
   std::vector<std::string> heads_;
   std::thread thread_;
 };
-
-/// A self-signed certificate for "localhost" and 127.0.0.1, with its key,
-/// written into `directory` as cert.pem and key.pem.
-void writeSelfSignedCertificate(const std::filesystem::path& directory);
 
 }  // namespace varnel::testing

@@ -1,5 +1,9 @@
 #include "NetworkTestSupport.h"
 
+#include <algorithm>
+
+#include "varnel/standalone/network/RequestLog.h"
+
 namespace varnel::testing {
 
 void NetworkFixture::SetUp() {
@@ -31,6 +35,13 @@ ServiceAnswer NetworkFixture::call(const std::function<void(KTVRSuccessBlock, KT
   start([promise](const std::optional<Json>& value) { promise->set_value({true, value, std::nullopt}); },
         [promise](const std::optional<Error>& error) { promise->set_value({false, std::nullopt, error}); });
   return await(future);
+}
+
+std::size_t NetworkFixture::attemptsLogged(const std::string& url) const {
+  const std::string target = " " + standalone::loggableTarget(url) + " ";
+  const auto lines = log->messages();
+  return static_cast<std::size_t>(
+      std::count_if(lines.begin(), lines.end(), [&](const std::string& line) { return line.find(target) != std::string::npos; }));
 }
 
 }  // namespace varnel::testing

@@ -47,6 +47,9 @@ class NetworkFixture : public HostFixture {
   /// Calls `start` with callbacks that fulfil the returned answer.
   ServiceAnswer call(const std::function<void(KTVRSuccessBlock, KTVRFailureBlock)>& start);
 
+  /// Attempts made at `url` so far: the request log has one line per attempt.
+  std::size_t attemptsLogged(const std::string& url) const;
+
   std::shared_ptr<standalone::HttpClient> client;
   std::shared_ptr<standalone::CurlPrivateDataService> service;
 };

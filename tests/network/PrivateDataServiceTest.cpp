@@ -1,14 +1,26 @@
 // The stand-alone private data service against real loopback servers: how
 // answers become successes and errors, what each request carries, retries,
 // idempotency keys, routing headers, logging, TLS, timeouts and lifetime.
+// Nothing here measures time: slow servers are judged by how their request
+// failed and how many attempts it took.
 
 #include <atomic>
 #include <condition_variable>
+
+#include <gmock/gmock.h>
 #include <regex>
+
+#include <arpa/inet.h>
+#include <curl/curl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include "LoopbackServers.h"
 #include "NetworkTestSupport.h"
 #include "standalone/TemporaryDirectory.h"
+#include "support/TestCertificates.h"
+#include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/Registry.h"
 #include "varnel/standalone/network/JsonEnvironment.h"
 #include "varnel/standalone/network/NetworkErrors.h"
@@ -46,6 +58,20 @@ class PrivateDataServiceTest : public NetworkFixture {
       res.status = 404;
       res.set_content("not here", "text/plain");
     });
+    http.Get("/gateway", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.status = 502;
+      res.set_content("<html><body>Bad Gateway</body></html>", "text/html");
+    });
+    http.Get("/moved", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.set_redirect("/json", 303);
+    });
+    http.Get("/unbooked", [this](const httplib::Request&, httplib::Response& res) {
+      ++hits;
+      res.status = 500;
+      res.set_content(R"({"message":"upstream failed","errors":"none"})", "application/json");
+    });
     auto record = [this](const httplib::Request& req, httplib::Response& res) {
       std::lock_guard lock(mutex);
       seen.push_back(req);
@@ -82,14 +108,18 @@ TEST_F(PrivateDataServiceTest, AnswersBecomeSuccessesOrErrorsAndAreNeverRetried)
     bool succeeds;
     std::optional<Json> value;
     std::optional<long> statusCode;
-    bool hasJsonResponse;
+    // The booking-service mapping of the error: what the guest is shown.
+    std::optional<APError> commerceError;
   };
   const std::vector<Case> cases = {
-      {"/json", true, Json{{"ok", true}}, std::nullopt, false},
-      {"/empty", true, std::nullopt, std::nullopt, false},
-      {"/text", false, std::nullopt, 200, false},
-      {"/booking", false, std::nullopt, 500, true},
-      {"/missing", false, std::nullopt, 404, false},
+      {"/json", true, Json{{"ok", true}}, std::nullopt, std::nullopt},
+      {"/empty", true, std::nullopt, std::nullopt, std::nullopt},
+      {"/text", false, std::nullopt, 200, std::nullopt},
+      {"/booking", false, std::nullopt, 500, APError::PAYMENT_DECLINED},
+      {"/missing", false, std::nullopt, 404, APError::GeneralBookingServiceError},
+      {"/gateway", false, std::nullopt, 502, APError::GeneralBookingServiceError},
+      {"/moved", false, std::nullopt, 303, APError::GeneralBookingServiceError},
+      {"/unbooked", false, std::nullopt, 500, APError::GeneralBookingServiceError},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.path);
@@ -102,10 +132,12 @@ TEST_F(PrivateDataServiceTest, AnswersBecomeSuccessesOrErrorsAndAreNeverRetried)
     ASSERT_TRUE(answer.error);
     EXPECT_FALSE(connectionErrorOf(answer.error));
     EXPECT_EQ(answer.error->userInfo.value(kErrorStatusCodeKey, 0L), *c.statusCode);
-    EXPECT_EQ(answer.error->userInfo.contains(kErrorJsonResponseKey), c.hasJsonResponse);
+    EXPECT_EQ(APBookingServiceError(*answer.error), c.commerceError);
   }
   const auto declined = get("/booking");
   EXPECT_EQ(declined.error->userInfo[kErrorJsonResponseKey]["errors"][0]["typeId"], "PAYMENT_DECLINED");
+  // What the service did send stays beside the general element.
+  EXPECT_EQ(get("/unbooked").error->userInfo[kErrorJsonResponseKey]["message"], "upstream failed");
 }
 
 TEST_F(PrivateDataServiceTest, RequestsCarryQueryDefaultsAuthorizationAndOverrides) {
@@ -180,13 +212,53 @@ TEST_F(PrivateDataServiceTest, TransportFailuresAreRetriedTwiceAndWritesKeepThei
   EXPECT_NE(heads[6].find("Idempotency-Key: " + key), std::string::npos);
 }
 
-TEST_F(PrivateDataServiceTest, RoutingHeaderIsSentOnlyWhileRoutingIsOn) {
-  defaults->setObject(kServerErrorRoutingHeaderKey,
-                      DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("route-7")}});
-  for (bool on : {true, false}) {
-    defaults->setBool(kServerErrorRoutingUseFeatureKey, on);
-    ASSERT_TRUE(get("/record").succeeded);
-    EXPECT_EQ(lastSeen().get_header_value("X-Orvane-Internal-Mock-AP"), on ? "route-7" : "");
+TEST_F(PrivateDataServiceTest, HeadersFromSettingsAndCallersNeverReplaceTheRequestsOwn) {
+  enum class From { routing, routingSwitchedOff, override };
+  struct Case {
+    From from;
+    std::string name;
+    std::string value;
+    bool sent;
+  };
+  using namespace std::string_literals;
+  const std::vector<Case> cases = {
+      {From::routing, "X-Orvane-Internal-Mock-AP", "route-7", true},
+      {From::routingSwitchedOff, "X-Orvane-Internal-Mock-AP", "route-7", false},
+      {From::override, "X-Orvane-Internal-Mock-AP", "tkx_error_871", true},
+      {From::routing, "Authorization", "Bearer someone-else", false},
+      {From::routing, "authorization", "Bearer someone-else", false},
+      {From::routing, "X-Note", "a\r\nInjected: 1", false},
+      {From::routing, "X-Note", "a\nInjected: 1", false},
+      {From::routing, "X-Note", "a\0b"s, false},
+      {From::routing, "X-Note\r\nInjected", "1", false},
+      {From::routing, "Idempotency-Key", "chosen-key", false},
+      {From::override, "Host", "elsewhere.example", false},
+      {From::override, "Content-Type", "text/plain", false},
+      {From::override, "CONTENT-LENGTH", "0", false},
+      {From::override, "Idempotency-Key", "chosen-key", false},
+  };
+  const std::regex uuid("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
+  auto refusalsLogged = [this] {
+    const auto lines = log->messages();
+    return std::count_if(lines.begin(), lines.end(), [](const std::string& line) { return line.starts_with("Refused the header"); });
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name + ": " + c.value);
+    defaults->setBool(kServerErrorRoutingUseFeatureKey, c.from == From::routing);
+    defaults->setObject(kServerErrorRoutingHeaderKey, DefaultsDictionary{{c.name, DefaultsValue(c.value)}});
+    const auto refusalsBefore = refusalsLogged();
+    HTTPHeaderFields overrides;
+    if (c.from == From::override) overrides.insert_or_assign(c.name, c.value);
+    ASSERT_TRUE(post(server.baseUrl() + "/record", Json{{"order", "o-1"}}, overrides).succeeded);
+    const httplib::Request received = lastSeen();
+    EXPECT_EQ(received.has_header(c.name) && received.get_header_value(c.name) == c.value, c.sent);
+    EXPECT_FALSE(received.has_header("Injected"));
+    EXPECT_EQ(received.get_header_value("Authorization"), "Bearer token-1");
+    EXPECT_EQ(received.get_header_value("Content-Type"), "application/json");
+    EXPECT_EQ(received.get_header_value("Host"), "127.0.0.1:" + std::to_string(server.port()));
+    EXPECT_TRUE(std::regex_match(received.get_header_value("Idempotency-Key"), uuid));
+    EXPECT_EQ(refusalsLogged() - refusalsBefore, c.sent || c.from == From::routingSwitchedOff ? 0 : 1);
+    for (const auto& line : log->messages()) EXPECT_EQ(line.find("someone-else"), std::string::npos) << line;
   }
 }
 
@@ -195,8 +267,14 @@ TEST_F(PrivateDataServiceTest, LogLinesCarryMethodHostPathAndStatusOnly) {
   get("/record", Json{{"email", "guest@example.test"}});
   const auto lines = log->messages();
   const std::string target = "127.0.0.1:" + std::to_string(server.port()) + "/record";
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "POST " + target + " -> 200"), lines.end());
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "GET " + target + " -> 200"), lines.end());
+  auto logged = [&](const std::string& start) {
+    return std::find_if(lines.begin(), lines.end(), [&](const std::string& line) { return line.starts_with(start); });
+  };
+  ASSERT_NE(logged("POST " + target + " -> 200 ["), lines.end()) << ::testing::PrintToString(lines);
+  EXPECT_THAT(*logged("POST " + target + " -> 200 ["),
+              ::testing::AllOf(::testing::HasSubstr("Authorization: REDACTED"), ::testing::HasSubstr("Idempotency-Key: "),
+                               ::testing::HasSubstr("Content-Type: application/json")));
+  EXPECT_NE(logged("GET " + target + " -> 200 ["), lines.end());
   for (const auto& line : lines) {
     for (const char* secret : {"4111111111111111", "737", "token-1", "guest@example", "secret", "query"}) {
       EXPECT_EQ(line.find(secret), std::string::npos) << line;
@@ -204,16 +282,57 @@ TEST_F(PrivateDataServiceTest, LogLinesCarryMethodHostPathAndStatusOnly) {
   }
 }
 
-TEST_F(PrivateDataServiceTest, SlowAnswersTimeOutAsConnectionErrors) {
-  server.server().Get("/slow", [](const httplib::Request&, httplib::Response& res) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(800));
-    res.set_content("{}", "application/json");
-  });
-  HttpClientOptions options;
-  options.transport.totalTimeout = std::chrono::milliseconds(100);
-  options.retry.maxRetries = 0;
-  makeService(options);
-  EXPECT_TRUE(connectionErrorOf(get("/slow").error));
+TEST_F(PrivateDataServiceTest, ServersThatHangTrickleOrRefuseEndTheRequestWithinItsBounds) {
+  // A bound loopback socket that never listens: connecting to it is refused.
+  const int closedPort = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  ASSERT_EQ(::bind(closedPort, reinterpret_cast<sockaddr*>(&address), length), 0);
+  ASSERT_EQ(::getsockname(closedPort, reinterpret_cast<sockaddr*>(&address), &length), 0);
+  const std::string refusing = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+
+  struct Case {
+    const char* name;
+    std::optional<Misbehaviour> misbehaviour;  // none: nobody listens
+    std::function<void(HttpClientOptions&)> tune;
+    int curlCode;
+    std::size_t attempts;
+  };
+  const std::vector<Case> cases = {
+      {"silent server: each attempt times out, and is retried", Misbehaviour::hold,
+       [](HttpClientOptions& o) { o.transport.totalTimeout = std::chrono::milliseconds(300); }, CURLE_OPERATION_TIMEDOUT, 3},
+      {"silent server: the deadline ends the request with its first attempt", Misbehaviour::hold,
+       [](HttpClientOptions& o) { o.retry.deadline = std::chrono::milliseconds(300); }, CURLE_OPERATION_TIMEDOUT, 1},
+      {"trickling server: too slow is a timeout", Misbehaviour::trickle,
+       [](HttpClientOptions& o) {
+         o.transport.lowSpeedLimit = 100;
+         o.transport.lowSpeedTime = std::chrono::seconds(1);
+         o.retry.maxRetries = 0;
+       },
+       CURLE_OPERATION_TIMEDOUT, 1},
+      {"refused connection: retried twice", std::nullopt, [](HttpClientOptions&) {}, CURLE_COULDNT_CONNECT, 3},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::optional<DroppingListener> listener;
+    if (c.misbehaviour) listener.emplace(*c.misbehaviour);
+    HttpClientOptions options;
+    c.tune(options);
+    makeService(options);
+    const std::string base = listener ? listener->baseUrl() : refusing;
+    const ServiceAnswer answer = call([&](auto success, auto failure) {
+      service->getDataUsingPath(base + "/accounts", std::nullopt, {}, success, failure);
+    });
+    ASSERT_TRUE(connectionErrorOf(answer.error));
+    EXPECT_EQ(answer.error->userInfo.value("curlCode", 0), c.curlCode);
+    EXPECT_EQ(attemptsLogged(base + "/accounts"), c.attempts);
+    if (listener) {
+      EXPECT_EQ(listener->requestHeads().size(), c.attempts);
+    }
+  }
+  ::close(closedPort);
 }
 
 TEST_F(PrivateDataServiceTest, HundredSequentialRequestsShareOneConnection) {
@@ -266,25 +385,46 @@ class TlsTest : public NetworkFixture {
   TemporaryDirectory directory;
 };
 
-TEST_F(TlsTest, ASelfSignedServerIsRefusedUnlessItsCertificateIsTrusted) {
-  writeSelfSignedCertificate(directory.path);
-  ScriptedServer tls(directory.path / "cert.pem", directory.path / "key.pem");
-  tls.server().Get("/json", [](const httplib::Request&, httplib::Response& res) { res.set_content("{}", "application/json"); });
-  tls.start();
-  auto fetch = [&] {
-    return call([&](auto success, auto failure) {
-      service->getDataUsingPath(tls.baseUrl() + "/json", std::nullopt, {}, success, failure);
-    });
+TEST_F(TlsTest, OnlyACertificateThatVerifiesIsAnsweredAndAFailedOneIsNeverRetried) {
+  TestCertificates authority(directory.path);
+  struct Case {
+    const char* name;
+    ServerCertificate certificate;
+    bool trustTheCa;
+    bool answered;
   };
-  HttpClientOptions untrusted;
-  untrusted.retry.maxRetries = 0;
-  makeService(untrusted);
-  EXPECT_TRUE(connectionErrorOf(fetch().error));
-
-  HttpClientOptions trusted;
-  trusted.transport.extraCaFile = directory.path / "cert.pem";
-  makeService(trusted);
-  EXPECT_TRUE(fetch().succeeded);
+  const std::vector<Case> cases = {
+      {"signed by a trusted CA for 127.0.0.1", authority.issue("good"), true, true},
+      {"signed by a CA that is not trusted", authority.issue("untrusted"), false, false},
+      {"for another host name", authority.issue("elsewhere", "DNS:elsewhere.example"), true, false},
+      {"expired", authority.issue("expired", "DNS:localhost,IP:127.0.0.1", -2 * 86400, -86400), true, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    ScriptedServer tls(c.certificate.certificate, c.certificate.key);
+    tls.server().Get("/json", [](const httplib::Request&, httplib::Response& res) { res.set_content("{}", "application/json"); });
+    tls.start();
+    HttpClientOptions options;
+    if (c.trustTheCa) options.transport.extraCaFile = authority.caFile();
+    makeService(options);
+    auto fetch = [&] {
+      return call([&](auto success, auto failure) {
+        service->getDataUsingPath(tls.baseUrl() + "/json", std::nullopt, {}, success, failure);
+      });
+    };
+    const ServiceAnswer answer = fetch();
+    EXPECT_EQ(answer.succeeded, c.answered);
+    if (c.answered) {
+      // Kept alive: a hundred more requests over the one connection and handshake.
+      for (int i = 0; i < 100; ++i) ASSERT_TRUE(fetch().succeeded);
+      EXPECT_EQ(client->transport().connectionsOpened(), 1);
+      continue;
+    }
+    ASSERT_TRUE(connectionErrorOf(answer.error));
+    EXPECT_TRUE(localizedDescription(*answer.error).starts_with("the server's certificate could not be verified: "))
+        << localizedDescription(*answer.error);
+    EXPECT_EQ(attemptsLogged(tls.baseUrl() + "/json"), 1u);
+  }
 }
 
 }  // namespace

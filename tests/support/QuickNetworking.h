@@ -4,6 +4,7 @@
 // wait until everything sent through it has been answered.
 
 #include <chrono>
+#include <filesystem>
 #include <future>
 #include <memory>
 #include <optional>
@@ -17,9 +18,11 @@
 
 namespace varnel::testing {
 
-/// Installs the networking for the server at `baseUrl`, sending `token`.
-inline standalone::StandaloneNetworking installQuickNetworking(const std::string& baseUrl,
-                                                               std::optional<std::string> token) {
+/// Installs the networking for the server at `baseUrl`, sending `token`,
+/// trusting `caFile` besides the system's CAs.
+inline standalone::StandaloneNetworking installQuickNetworking(
+    const std::string& baseUrl, std::optional<std::string> token,
+    std::optional<std::filesystem::path> caFile = std::nullopt) {
   auto environment = standalone::JsonEnvironment::forServer(baseUrl);
   EXPECT_TRUE(environment.ok()) << baseUrl;
   if (!environment.ok()) return {};
@@ -28,6 +31,7 @@ inline standalone::StandaloneNetworking installQuickNetworking(const std::string
   options.retry.maxBackoff = std::chrono::milliseconds(4);
   options.transport.connectTimeout = std::chrono::seconds(2);
   options.transport.totalTimeout = std::chrono::seconds(2);
+  options.transport.extraCaFile = std::move(caFile);
   return standalone::installStandaloneNetworking(
       environment.value(), [token = std::move(token)] { return token; }, std::move(options));
 }

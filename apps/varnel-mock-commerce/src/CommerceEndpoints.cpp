@@ -6,6 +6,8 @@
 
 #include "CommerceService.h"
 
+#include <strings.h>
+
 namespace varnel::mock {
 namespace {
 
@@ -41,11 +43,14 @@ bool expired(const Json& card) {
 
 }  // namespace
 
+// "Bearer TOKEN", the scheme in any case (schemes are case-insensitive), the token exactly.
 std::optional<Reply> CommerceService::authorize(const Call& call) const {
   const std::string* authorization = call.header("Authorization");
-  if (!authorization || household_.accessToken().empty() || *authorization != "Bearer " + household_.accessToken()) {
-    return jsonReply(401, bookingError("UNAUTHORIZED", "A valid bearer token is required."));
-  }
+  constexpr std::string_view kScheme = "Bearer ";
+  const bool valid = authorization && !household_.accessToken().empty() && authorization->size() > kScheme.size() &&
+                     strncasecmp(authorization->data(), kScheme.data(), kScheme.size()) == 0 &&
+                     authorization->substr(kScheme.size()) == household_.accessToken();
+  if (!valid) return jsonReply(401, bookingError("UNAUTHORIZED", "A valid bearer token is required."));
   return std::nullopt;
 }
 

@@ -28,6 +28,8 @@ void addCommerceOptions(CLI::App& command, CommerceOptions& options) {
   command.add_option("--defaults", options.defaultsPath,
                      "User-defaults store (default: $VARNEL_DEFAULTS, else ~/.config/varnel/defaults.sqlite3)");
   command.add_option("--park", options.park, "Resort value of the park context (1 west, 2 east; default 2)");
+  command.add_option("--ca-file", options.caFile, "PEM file of a CA trusted besides the system's (HTTPS servers)")
+      ->check(CLI::ExistingFile);
   command.add_flag("--json", options.json, "Print JSON");
 }
 
@@ -68,8 +70,10 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
   auto environment = standalone::JsonEnvironment::forServer(serverUrl);
   if (!environment) throw UsageError("--server: " + localizedDescription(environment.error()));
 
+  standalone::HttpClientOptions clientOptions;
+  if (!options.caFile.empty()) clientOptions.transport.extraCaFile = options.caFile;
   networking_ = standalone::installStandaloneNetworking(environment.value(),
-                                                        [token = guest_.accessToken] { return token; });
+                                                        [token = guest_.accessToken] { return token; }, clientOptions);
   mainQueue_ = std::dynamic_pointer_cast<standalone::RunLoopMainQueue>(Registry::get<MainQueue>());
   if (!mainQueue_) {
     mainQueue_ = std::make_shared<standalone::RunLoopMainQueue>();
@@ -127,7 +131,14 @@ int reportCommerceFailure(const std::optional<Error>& error, KTVCResortChoice pa
     if (json) {
       std::cout << dumpJson(OrderedJson{{"error", described}}) << '\n';
     } else {
-      std::cerr << "The commerce service refused the request.\n";
+      if (isConnectionError(*commerceError)) {
+        // Nothing was answered: the reason is ours or the network's, never a refusal.
+        const bool reasoned = error->userInfo.is_object() && error->userInfo.contains(kErrorLocalizedDescriptionKey);
+        std::cerr << "varnel: no answer from the commerce service"
+                  << (reasoned ? ": " + localizedDescription(*error) : std::string(" (see --verbose)")) << '\n';
+      } else if (!isTransactionalError(*commerceError)) {
+        std::cerr << "The commerce service refused the request.\n";
+      }
       printDescription(described);
     }
     return 1;

@@ -33,10 +33,12 @@ struct CommerceOptions {
   /// The settings store; $VARNEL_DEFAULTS, else the per-user default, when empty.
   std::string defaultsPath;
   std::string park = std::to_string(kResortChoiceEast);
+  /// A CA file trusted besides the system's; none when empty.
+  std::string caFile;
   bool json = false;
 };
 
-/// Adds --server, --guest, --defaults, --park and --json.
+/// Adds --server, --guest, --defaults, --park, --ca-file and --json.
 void addCommerceOptions(CLI::App& command, CommerceOptions& options);
 
 /// How an operation with a success and a failure callback ended.

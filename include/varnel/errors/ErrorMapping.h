@@ -17,6 +17,10 @@ inline constexpr const char* kAPErrorDomain = "Varnel.APError";
 /// "jsonResponse" body; none when there is no usable body.
 std::optional<APError> APBookingServiceError(const Error& error);
 
+/// Whether `body` is a booking error body, one the booking-service mapping
+/// reads: an object whose "errors" array starts with a dictionary of strings.
+bool isBookingErrorBody(const Json& body);
+
 /// The case for an error from the entitlement-validation services; a body it
 /// cannot read gives GeneralEVASServiceError.
 std::optional<APError> APEvasError(const Error& error);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "varnel/standalone/network/HeaderRules.h"
 #include "varnel/standalone/network/NetworkErrors.h"
 
 namespace varnel::standalone {
@@ -35,10 +36,7 @@ CurlPrivateDataService::CurlPrivateDataService(std::shared_ptr<HttpClient> clien
 
 CurlPrivateDataService::~CurlPrivateDataService() {
   gate_->close();
-  std::lock_guard lock(callsMutex_);
-  for (auto& weak : calls_) {
-    if (auto call = weak.lock()) call->cancel();
-  }
+  calls_.cancelAll();
 }
 
 HTTPHeaderFields CurlPrivateDataService::requestSerializerHTTPRequestHeaders() const {
@@ -63,28 +61,24 @@ void CurlPrivateDataService::send(HttpRequest request, KTVRSuccessBlock success,
   setAuthorizationHeaderForRequest(authorized);
   for (auto& [name, value] : authorized.allHTTPHeaderFields) request.headers.insert_or_assign(name, value);
 
-  // Held until the call is recorded: a callback that releases this service
-  // (on the worker, possibly before send() returns) waits in the destructor
-  // until this function is done with the service.
-  std::lock_guard lock(callsMutex_);
-  auto call = client_->send(std::move(request), [gate = gate_, success = std::move(success),
-                                                 failure = std::move(failure)](HttpOutcome outcome) {
-    gate->run([&] {
-      if (outcome.failure) {
-        if (failure) failure(transportError(*outcome.failure));
-      } else if (*outcome.status < 200 || *outcome.status > 299) {
-        if (failure) failure(httpStatusError(*outcome.status, outcome.body));
-      } else if (outcome.body.empty()) {
-        if (success) success(std::nullopt);
-      } else if (auto json = decodeJsonBody(outcome.body)) {
-        if (success) success(json);  // the optional itself: no copy of the document
-      } else {
-        if (failure) failure(notJsonError(*outcome.status));
-      }
+  calls_.track([&] {
+    return client_->send(std::move(request), [gate = gate_, success = std::move(success),
+                                              failure = std::move(failure)](HttpOutcome outcome) {
+      gate->run([&] {
+        if (outcome.failure) {
+          if (failure) failure(transportError(*outcome.failure));
+        } else if (*outcome.status < 200 || *outcome.status > 299) {
+          if (failure) failure(httpStatusError(*outcome.status, outcome.body));
+        } else if (outcome.body.empty()) {
+          if (success) success(std::nullopt);
+        } else if (auto json = decodeJsonBody(outcome.body)) {
+          if (success) success(json);  // the optional itself: no copy of the document
+        } else {
+          if (failure) failure(notJsonError(*outcome.status));
+        }
+      });
     });
   });
-  std::erase_if(calls_, [](const auto& weak) { return weak.expired(); });
-  calls_.push_back(call);
 }
 
 void CurlPrivateDataService::getDataUsingEndpoint(std::string_view endpointKey, const KTVRTokens& tokens,
@@ -109,7 +103,7 @@ void CurlPrivateDataService::getDataUsingPath(const std::string& url, const std:
   }
   HttpRequest request{"GET", std::move(*target), requestSerializerHTTPRequestHeaders(), std::nullopt};
   request.headers.erase("Content-Type");
-  for (const auto& [name, value] : overrideHeaders) request.headers.insert_or_assign(name, value);
+  addUntrustedHeaders(request, overrideHeaders, "the override headers");
   send(std::move(request), std::move(success), std::move(failure));
 }
 
@@ -122,7 +116,7 @@ void CurlPrivateDataService::postDataUsingPath(const std::string& url, const Jso
   }
   HttpRequest request{"POST", url, requestSerializerHTTPRequestHeaders(),
                       parameters.dump(-1, ' ', false, Json::error_handler_t::replace)};
-  for (const auto& [name, value] : overrideHeaders) request.headers.insert_or_assign(name, value);
+  addUntrustedHeaders(request, overrideHeaders, "the override headers");
   send(std::move(request), std::move(success), std::move(failure));
 }
 

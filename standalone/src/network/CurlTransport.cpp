@@ -132,12 +132,17 @@ void CurlTransport::State::start(std::unique_ptr<Transfer> transfer) {
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+  curl_easy_setopt(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
   if (options.extraCaFile) {
     curl_easy_setopt(easy, CURLOPT_SSL_CTX_FUNCTION, &addExtraCa);
     curl_easy_setopt(easy, CURLOPT_SSL_CTX_DATA, &*options.extraCaFile);
   }
   curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(options.connectTimeout.count()));
-  curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(options.totalTimeout.count()));
+  const auto timeout = std::max(std::min(options.totalTimeout, request.timeout.value_or(options.totalTimeout)),
+                                std::chrono::milliseconds(1));
+  curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(timeout.count()));
+  curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, options.lowSpeedLimit);
+  curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(options.lowSpeedTime.count()));
   curl_easy_setopt(easy, CURLOPT_TCP_KEEPALIVE, 1L);
   curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, transfer->errorText);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &appendBody);
@@ -336,5 +341,7 @@ void CurlTransport::cancel(TransferId transfer) {
 }
 
 std::int64_t CurlTransport::connectionsOpened() const { return state_->connectionsOpened.load(); }
+
+bool TransportFailure::certificateRejected() const { return code == CURLE_PEER_FAILED_VERIFICATION; }
 
 }  // namespace varnel::standalone

@@ -1,7 +1,5 @@
 #include "varnel/standalone/network/CurlURLSession.h"
 
-#include <algorithm>
-
 #include "varnel/standalone/network/NetworkErrors.h"
 
 namespace varnel::standalone {
@@ -60,18 +58,11 @@ CurlURLSession::CurlURLSession(std::shared_ptr<HttpClient> client) : client_(std
 
 CurlURLSession::~CurlURLSession() {
   gate_->close();
-  std::lock_guard lock(tasksMutex_);
-  for (auto& weak : tasks_) {
-    if (auto task = weak.lock()) task->cancel();
-  }
+  tasks_.cancelAll();
 }
 
 std::shared_ptr<URLSessionDataTask> CurlURLSession::dataTask(URLRequest request, Completion completion) {
-  auto task = std::make_shared<Task>(client_, gate_, std::move(request), std::move(completion));
-  std::lock_guard lock(tasksMutex_);
-  std::erase_if(tasks_, [](const auto& weak) { return weak.expired(); });
-  tasks_.push_back(task);
-  return task;
+  return tasks_.track([&] { return std::make_shared<Task>(client_, gate_, std::move(request), std::move(completion)); });
 }
 
 }  // namespace varnel::standalone

@@ -5,6 +5,7 @@
 
 #include "varnel/host/KTVCPrintUtility.h"
 #include "varnel/host/Registry.h"
+#include "varnel/standalone/network/HeaderRules.h"
 #include "varnel/standalone/network/RequestLog.h"
 
 namespace varnel::standalone {
@@ -22,6 +23,7 @@ struct HttpClient::Call final : HttpCall {
   bool write = false;
   /// The settings key of a write whose idempotency key this client keeps.
   std::string pendingWrite;
+  std::chrono::steady_clock::time_point deadline;
 
   std::mutex mutex;
   bool cancelled = false;
@@ -58,9 +60,11 @@ void HttpClient::addRoutingHeader(HttpRequest& request) const {
   auto stored = defaults->objectForKey(kServerErrorRoutingHeaderKey);
   const auto* headers = stored ? stored->get<DefaultsDictionary>() : nullptr;
   if (!headers) return;
+  HTTPHeaderFields routing;
   for (const auto& [name, value] : *headers) {
-    if (const auto* text = value.get<std::string>()) request.headers.insert_or_assign(name, *text);
+    if (const auto* text = value.get<std::string>()) routing.insert_or_assign(name, *text);
   }
+  addUntrustedHeaders(request, routing, "the server-error routing settings");
 }
 
 std::shared_ptr<HttpCall> HttpClient::send(HttpRequest request, Completion completion) {
@@ -74,6 +78,7 @@ std::shared_ptr<HttpCall> HttpClient::send(HttpRequest request, Completion compl
   }
   call->request = std::move(request);
   call->completion = std::move(completion);
+  call->deadline = std::chrono::steady_clock::now() + options_.retry.deadline;
   ++*inFlight_;
   dispatch(call, std::chrono::milliseconds{0});
   return call;
@@ -85,6 +90,8 @@ void HttpClient::dispatch(const std::shared_ptr<Call>& call, std::chrono::millis
     --*inFlight_;
     return;
   }
+  const auto start = std::chrono::steady_clock::now() + delay;
+  call->request.timeout = std::chrono::ceil<std::chrono::milliseconds>(call->deadline - start);
   call->transfer = transport_->send(
       call->request, [this, call](HttpOutcome outcome) { finish(call, std::move(outcome)); }, delay);
 }
@@ -96,11 +103,14 @@ void HttpClient::finish(const std::shared_ptr<Call>& call, HttpOutcome outcome) 
     return;
   }
   const bool mayRetry = !call->write || call->request.headers.contains(kIdempotencyKeyHeader);
-  if (outcome.failure && mayRetry && call->attempt <= options_.retry.maxRetries) {
+  if (outcome.failure && mayRetry && call->attempt <= options_.retry.maxRetries &&
+      RetryPolicy::retries(*outcome.failure)) {
     const auto wait = options_.retry.backoff(call->attempt, random_);
-    ++call->attempt;
-    dispatch(call, wait);
-    return;
+    if (std::chrono::steady_clock::now() + wait < call->deadline) {
+      ++call->attempt;
+      dispatch(call, wait);
+      return;
+    }
   }
   if (!call->pendingWrite.empty() && outcome.answered()) keys_.writeAnswered(call->pendingWrite);
   auto completion = std::move(call->completion);

@@ -36,8 +36,12 @@ std::string loggableHeaders(const HTTPHeaderFields& headers) {
 std::string requestLogLine(const HttpRequest& request, const HttpOutcome& outcome, int attempt) {
   std::string line = request.method + " " + loggableTarget(request.url);
   if (attempt > 1) line += " (attempt " + std::to_string(attempt) + ")";
-  if (outcome.failure) return line + " -> failed: " + outcome.failure->message;
-  return line + " -> " + std::to_string(outcome.status.value_or(0));
+  if (outcome.failure) {
+    line += " -> failed: " + outcome.failure->message;
+  } else {
+    line += " -> " + std::to_string(outcome.status.value_or(0));
+  }
+  return line + " [" + loggableHeaders(request.headers) + "]";
 }
 
 }  // namespace varnel::standalone

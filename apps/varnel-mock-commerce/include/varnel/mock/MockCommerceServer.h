@@ -15,9 +15,12 @@
 // request is journalled (/__admin/requests). apps/varnel-mock-commerce/README.md
 // lists the rules and the error bodies.
 //
+// With MockCommerceOptions::tls it speaks HTTPS (TLS 1.2 or later) instead.
+//
 // Threads: requests are served on the server's own threads; every method may
 // be called from any thread. Nothing throws out of this class.
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -37,6 +40,12 @@ namespace varnel::mock {
 inline constexpr const char* kMockHeaderName = "X-Orvane-Internal-Mock-AP";
 inline constexpr const char* kPendingOrderHeaderValue = "tkx_error_871";
 
+/// The PEM files of an HTTPS server: its certificate (chain) and private key.
+struct TlsFiles {
+  std::filesystem::path certificate;
+  std::filesystem::path key;
+};
+
 struct MockCommerceOptions {
   /// The household served: profile (kuid, accessToken, email), passes, cards.
   standalone::GuestData guest;
@@ -48,13 +57,16 @@ struct MockCommerceOptions {
   std::vector<RouteFault> routeFaults;
   /// Receives one line per request ("POST /path 200"); none logs nothing.
   std::function<void(const std::string&)> requestLog;
+  /// HTTPS with this certificate and key instead of plain HTTP.
+  std::optional<TlsFiles> tls = std::nullopt;
 };
 
 class MockCommerceServer {
  public:
   /// Listens on 127.0.0.1:`port` (0 picks a free port) and returns once the
   /// server accepts connections; an Error of kMockCommerceErrorDomain when it
-  /// cannot (a busy port, a guest without kuid or token).
+  /// cannot (a busy port, a guest without kuid or token, TLS files that
+  /// cannot be loaded).
   static Result<std::unique_ptr<MockCommerceServer>> start(MockCommerceOptions options, int port = 0);
 
   /// Stops the server.
@@ -63,8 +75,10 @@ class MockCommerceServer {
   MockCommerceServer& operator=(const MockCommerceServer&) = delete;
 
   int port() const;
-  /// "http://127.0.0.1:PORT", the {server} of mock.json.
+  /// "http://127.0.0.1:PORT" ("https://" with TLS), the {server} of mock.json.
   std::string baseUrl() const;
+  /// TLS handshakes completed so far (0 over plain HTTP).
+  long tlsHandshakes() const;
   /// Stops accepting, finishes the requests under way and joins the threads.
   /// Idempotent.
   void stop();

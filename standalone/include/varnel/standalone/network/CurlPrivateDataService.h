@@ -2,7 +2,10 @@
 // The stand-alone networking service: the host's private data service over
 // libcurl. Endpoint keys resolve through the environment; every request
 // carries the default header fields and, when a guest is signed in, the
-// guest's bearer token. Callbacks run on the transport's worker thread.
+// guest's bearer token; a caller's override headers replace defaults under
+// the rules of HeaderRules.h (never the token, Host, Content-Type,
+// Content-Length or Idempotency-Key). Callbacks run on the transport's
+// worker thread.
 //
 // An answer with a 2xx status and a JSON body is a success (an empty body is a
 // success with no value); anything else is a failure whose error is described
@@ -55,8 +58,7 @@ class CurlPrivateDataService final : public KTVRPrivateDataService {
   AccessTokenSource accessToken_;
   std::shared_ptr<KTVREnvironment> environment_;
   std::shared_ptr<CallbackGate> gate_ = std::make_shared<CallbackGate>();
-  std::mutex callsMutex_;
-  std::vector<std::weak_ptr<HttpCall>> calls_;
+  CallTracker<HttpCall> calls_;
 };
 
 /// `url` with `parameters` (an object; strings as they are, other values as

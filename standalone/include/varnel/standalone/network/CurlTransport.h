@@ -1,9 +1,16 @@
 #pragma once
 // The stand-alone HTTP transport: one libcurl multi handle driven by one
 // worker thread. Connections are kept alive and reused across requests; TLS
-// peers and host names are always verified (an extra CA file may be trusted
-// besides the system's, nothing more). Completions run on the worker thread,
-// one at a time, in the order transfers finish.
+// (1.2 at least, 1.3 when the server offers it) always verifies the peer's
+// certificate and host name: an extra CA file may be trusted besides the
+// system's, nothing more, and no option turns verification off. Completions
+// run on the worker thread, one at a time, in the order transfers finish.
+//
+// No transfer hangs: connecting (TLS handshake included) ends after
+// connectTimeout, a transfer that moves fewer than lowSpeedLimit bytes a
+// second for lowSpeedTime ends (a server that says nothing, or trickles), and
+// a transfer ends after totalTimeout (or its request's own timeout) whatever
+// happens; each ends as a failure with libcurl's timeout code.
 //
 // Destroying the transport cancels every transfer in flight: no completion
 // runs after the destructor has returned (nor, when it is called from inside
@@ -21,11 +28,15 @@
 namespace varnel::standalone {
 
 struct TransportOptions {
-  /// A CA certificate file trusted in addition to the system's.
+  /// A CA certificate file (PEM) trusted in addition to the system's.
   std::optional<std::filesystem::path> extraCaFile;
-  std::chrono::milliseconds connectTimeout{10'000};
+  /// TCP connection and TLS handshake; a refused connection fails at once.
+  std::chrono::milliseconds connectTimeout{2'000};
+  /// Slower than this many bytes a second for lowSpeedTime ends the transfer.
+  long lowSpeedLimit = 16;
+  std::chrono::seconds lowSpeedTime{8};
   /// The whole exchange, connection included.
-  std::chrono::milliseconds totalTimeout{30'000};
+  std::chrono::milliseconds totalTimeout{10'000};
 };
 
 class CurlTransport {

@@ -7,8 +7,6 @@
 // tasks; no completion runs after the destructor has returned.
 
 #include <memory>
-#include <mutex>
-#include <vector>
 
 #include "varnel/platform/URLSession.h"
 #include "varnel/standalone/network/CallbackGate.h"
@@ -27,8 +25,7 @@ class CurlURLSession final : public URLSession {
   class Task;
   std::shared_ptr<HttpClient> client_;
   std::shared_ptr<CallbackGate> gate_ = std::make_shared<CallbackGate>();
-  std::mutex tasksMutex_;
-  std::vector<std::weak_ptr<URLSessionDataTask>> tasks_;
+  CallTracker<URLSessionDataTask> tasks_;
 };
 
 }  // namespace varnel::standalone

@@ -1,9 +1,10 @@
 #pragma once
 // The policies every stand-alone request goes through, over one CurlTransport:
-//  - the tester's server-error routing header, while routing is switched on;
+//  - the tester's server-error routing header, while routing is switched on,
+//    through the rules of HeaderRules.h (it never replaces the request's own);
 //  - an Idempotency-Key on every write, kept until the write is answered;
 //  - retries of transport failures (never of an HTTP answer), writes only
-//    with their key;
+//    with their key, all within the deadline of RetryPolicy.h;
 //  - one debug line per attempt: method, host and path, and the outcome.
 // Completions run on the transport's worker thread.
 

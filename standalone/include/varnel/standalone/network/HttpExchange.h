@@ -2,6 +2,7 @@
 // One HTTP exchange as the stand-alone transport sees it: the request to send
 // and what came of it (an answer with any status, or a transport failure).
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,8 @@ struct HttpRequest {
   HTTPHeaderFields headers;
   /// Sent as it is; none sends no body.
   std::optional<std::string> body;
+  /// The exchange ends after this long at most (none: the transport's totalTimeout).
+  std::optional<std::chrono::milliseconds> timeout = std::nullopt;
 };
 
 /// Why no answer arrived: refused, reset, timed out, TLS, cancelled, ...
@@ -22,6 +25,10 @@ struct TransportFailure {
   /// libcurl's result code.
   int code = 0;
   std::string message;
+
+  /// The server's certificate failed verification (untrusted, expired, for
+  /// another host name).
+  bool certificateRejected() const;
 };
 
 struct HttpOutcome {

@@ -2,9 +2,15 @@
 // The platform errors of failed stand-alone requests. Their user information
 // carries what the module's error mappings read:
 //   "isConnectionError"  true when no answer arrived (refused, reset, timeout, TLS)
-//   "jsonResponse"       the decoded error body, when the body was JSON
+//   "jsonResponse"       the decoded error body of an HTTP failure; a body that is
+//                        not a booking error body (HTML, a 404 page, a redirect,
+//                        JSON without "errors") gets a general booking error
+//                        element {"typeId": "HTTP_<status>"}, so the guest is
+//                        shown the general service error, never nothing
 //   "statusCode"         the HTTP status, when there was an answer
-//   "NSLocalizedDescription"  a readable reason (never a body or a header value)
+//   "NSLocalizedDescription"  a readable reason (never a body or a header value);
+//                             "the server's certificate could not be verified: ..."
+//                             when TLS verification failed
 
 #include <optional>
 #include <string>

@@ -21,7 +21,9 @@ bool isLoggableHeader(std::string_view name);
 /// "Name: value" lines joined by "; ", values outside the allow-list "REDACTED".
 std::string loggableHeaders(const HTTPHeaderFields& headers);
 
-/// "GET host/path -> 200" or "GET host/path -> failed: reason".
+/// "GET host/path -> 200 [Accept: application/json; Authorization: REDACTED]"
+/// or "GET host/path (attempt 2) -> failed: reason [...]": the request's
+/// headers as loggableHeaders() shows them.
 std::string requestLogLine(const HttpRequest& request, const HttpOutcome& outcome, int attempt);
 
 }  // namespace varnel::standalone
