@@ -67,7 +67,7 @@ void RenewalFlow::Impl::start(RenewalRequest request) {
   const Claim claim = journal_->claimEntry(*request_.journalEntry);
   if (claim.kind == Claim::Kind::busy) {
     outcome_.busy = true;
-    entry_ = {};
+    outcome_.orderId = claim.entry.orderId;
     return refuse(Step::passes, std::nullopt, "this renewal is being finished by another process");
   }
   if (claim.kind != Claim::Kind::unfinished || claim.entry.guestId != guestId_) {

@@ -22,7 +22,16 @@ std::string RequestEnd::refusalType() const {
   return type != errors->front().end() && type->is_string() ? type->get<std::string>() : std::string();
 }
 
-bool RequestEnd::refusedByService() const { return !refusalType().empty(); }
+bool RequestEnd::refusedByService() const {
+  const std::string type = refusalType();
+  if (type.empty()) return false;
+  // A body the networking made up for an answer without one ("HTTP_502"): a
+  // gateway's failure says nothing of whether the service acted.
+  const Json& info = transportError->userInfo;
+  const auto status = info.find(kErrorStatusCodeKey);
+  const bool serverFailure = status != info.end() && status->is_number_integer() && status->get<long>() >= 500;
+  return !(type.starts_with("HTTP_") && serverFailure);
+}
 
 class WatchedRequest::Service final : public KTVRPrivateDataService {
  public:

@@ -35,7 +35,8 @@ struct RequestEnd {
   bool answerLost() const;
   /// The booking error body's first "typeId"; empty when there is none.
   std::string refusalType() const;
-  /// The service answered with an error body of its own (a refusal).
+  /// The service answered with an error body of its own (a refusal); a
+  /// server failure without one (a gateway's 502) is not.
   bool refusedByService() const;
 };
 

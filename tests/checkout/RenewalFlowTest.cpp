@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "checkout/CheckoutTestSupport.h"
 #include "checkout/RenewalOverHttp.h"
 #include "varnel/checkout/RenewalFlow.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
@@ -197,6 +198,40 @@ TEST_F(RenewalFlowTest, APassHasOneRenewalInFlightAndACancelBeforeCheckoutCharge
 
   const auto after = renew({});
   EXPECT_EQ(after->outcome->kind, Kind::confirmed) << after->outcome->reason;
+}
+
+/// The road over fake networking that answers nothing: what leaves before any answer.
+class RenewalFlowRoundTripsTest : public CheckoutFixture {
+ protected:
+  void SetUp() override {
+    CheckoutFixture::SetUp();
+    host::Registry::set<KTVREnvironment>(std::make_shared<TableEnvironment>(std::map<std::string, Json, std::less<>>{
+        {"create-orders", "https://commerce.example.test/guests/{owner_id}/orders"},
+        {"get-payment-accounts", "https://commerce.example.test/guests/{kuid}/payment-accounts"}}));
+    auto manager =
+        standalone::FileEntitlementsManager::open(std::string(VARNEL_TEST_RESOURCE_DIR) + "/guests/sample-guest.json");
+    ASSERT_TRUE(manager.ok());
+    host::Registry::set<ENTMEntitlementsManager>(manager.value());
+  }
+  std::vector<std::string> sentBeforeAnyAnswer(const std::string& card) {
+    auto guest = std::make_shared<ScriptedGuest>();
+    auto flow = RenewalFlow::create(guest, std::make_shared<InMemoryRenewalJournal>());
+    RenewalRequest request;
+    request.passId = kRenewablePass;
+    request.cardReference = card;
+    request.parkContext = std::make_shared<KTVCParkResortContext>(kResortChoiceEast);
+    service->calls.clear();
+    flow->start(std::move(request));
+    mainQueue->runAll();
+    std::vector<std::string> methods;
+    for (const auto& call : service->calls) methods.push_back(call.method);
+    return methods;
+  }
+};
+
+TEST_F(RenewalFlowRoundTripsTest, TheStoredCardsTravelAlongsideTheOrderUnlessACardNamedUpFrontMustBeCheckedFirst) {
+  EXPECT_EQ(sentBeforeAnyAnswer(""), (std::vector<std::string>{"POST", "GET endpoint"}));
+  EXPECT_EQ(sentBeforeAnyAnswer("CARD-REF-0001"), (std::vector<std::string>{"GET endpoint"}));
 }
 
 }  // namespace

@@ -117,6 +117,8 @@ int reportResumed(const std::vector<RenewalOutcome>& outcomes, const std::shared
     std::cout << "Order " << outcome.orderId << ": ";
     if (outcome.kind == RenewalOutcome::Kind::confirmed) {
       std::cout << "renewed, confirmation number " << outcome.confirmation->confirmationNumber() << '\n';
+    } else if (outcome.busy) {
+      std::cout << "being finished by another process\n";
     } else if (outcome.kind == RenewalOutcome::Kind::refused) {
       std::cout << "not charged (" << outcome.reason << ")\n";
     } else {

@@ -43,6 +43,7 @@ class KTVRPrivateDataService {
                                 const HTTPHeaderFields& overrideHeaders, KTVRSuccessBlock success,
                                 KTVRFailureBlock failure) = 0;
   /// POST of `parameters` as a JSON body; `overrideHeaders` replace defaults of the same name.
+  /// An "Idempotency-Key" among them is the write's own key, sent with every retry.
   virtual void postDataUsingPath(const std::string& url, const Json& parameters,
                                  const HTTPHeaderFields& overrideHeaders, KTVRSuccessBlock success,
                                  KTVRFailureBlock failure) = 0;

@@ -116,7 +116,14 @@ void CurlPrivateDataService::postDataUsingPath(const std::string& url, const Jso
   }
   HttpRequest request{"POST", url, requestSerializerHTTPRequestHeaders(),
                       parameters.dump(-1, ' ', false, Json::error_handler_t::replace)};
-  addUntrustedHeaders(request, overrideHeaders, "the override headers");
+  // A write may bring its own idempotency key (a journalled checkout does);
+  // it is taken when it is a plain token, else the client makes one.
+  HTTPHeaderFields others = overrideHeaders;
+  if (const auto key = others.find(kIdempotencyKeyHeader); key != others.end()) {
+    if (isPlainIdempotencyKey(key->second)) request.headers.insert_or_assign(kIdempotencyKeyHeader, key->second);
+    others.erase(key);
+  }
+  addUntrustedHeaders(request, others, "the override headers");
   send(std::move(request), std::move(success), std::move(failure));
 }
 

@@ -52,4 +52,13 @@ void addUntrustedHeaders(HttpRequest& request, const HTTPHeaderFields& headers, 
   }
 }
 
+bool isPlainIdempotencyKey(std::string_view key) {
+  if (key.empty() || key.size() > 128) return false;
+  for (const char c : key) {
+    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+    if (!plain) return false;
+  }
+  return true;
+}
+
 }  // namespace varnel::standalone

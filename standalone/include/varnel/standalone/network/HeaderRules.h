@@ -22,6 +22,9 @@ namespace varnel::standalone {
 /// none when it may.
 std::optional<std::string> untrustedHeaderRefusal(std::string_view name, std::string_view value);
 
+/// 1 to 128 letters, digits, '-' or '_': a key a caller may give its own write.
+bool isPlainIdempotencyKey(std::string_view key);
+
 /// Adds `headers` to `request` (replacing fields of the same name) except
 /// those the rules refuse; `source` names where they came from in the log.
 void addUntrustedHeaders(HttpRequest& request, const HTTPHeaderFields& headers, std::string_view source);
