@@ -87,7 +87,7 @@ std::string setUp() {
   for (int i = 0; i < kRenewals * (kRepetitions + 1); ++i) {
     auto copy = std::make_shared<ENTMEntitlement>(*pass);
     copy->productInstanceId = "AP-BENCH-" + std::to_string(i);
-    copy->barcodeString = "7" + std::to_string(1000000 + i);
+    copy->barcodeString = std::to_string(7000000 + i);
     options.guest.entitlements.push_back(std::move(copy));
   }
   auto mock = mock::MockCommerceServer::start(std::move(options));

@@ -127,7 +127,7 @@ TEST_F(MockCommerceTest, FiftyClientsRenewAThousandPassesEachChargedOnce) {
   for (int i = 0; i < kClients * kRenewalsEach; ++i) {
     auto copy = std::make_shared<ENTMEntitlement>(*pass);
     copy->productInstanceId = "AP-LOAD-" + std::to_string(i);
-    copy->barcodeString = "8" + std::to_string(1000000 + i);
+    copy->barcodeString = std::to_string(8000000 + i);
     options.guest.entitlements.push_back(std::move(copy));
   }
   startServer(std::move(options));

@@ -128,6 +128,7 @@ struct MockCommerceServer::Impl {
   CommerceService service;
   std::unique_ptr<httplib::Server> server;
   SSL_CTX* tls = nullptr;  // the HTTPS server's context; null over plain HTTP
+  socket_t listening = INVALID_SOCKET;
   std::thread thread;
   int port = 0;
 };
@@ -185,17 +186,16 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
     impl->server->set_tcp_nodelay(true);
     // The library's default also sets SO_REUSEPORT, which would let a second
     // server share a busy port instead of refusing it.
-    socket_t listening = INVALID_SOCKET;
-    impl->server->set_socket_options([&listening](socket_t socket) {
+    impl->server->set_socket_options([state](socket_t socket) {
       int yes = 1;
       setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-      listening = socket;
+      state->listening = socket;
     });
 
     impl->port = port == 0 ? impl->server->bind_to_any_port(kHost) : (impl->server->bind_to_port(kHost, port) ? port : -1);
     // The library listens with a backlog of 5: many clients connecting at
     // once would find the queue full and wait for retransmissions.
-    if (impl->port > 0 && listening != INVALID_SOCKET) ::listen(listening, SOMAXCONN);
+    if (impl->port > 0 && impl->listening != INVALID_SOCKET) ::listen(impl->listening, SOMAXCONN);
     if (impl->port <= 0) {
       return mockCommerceError(MockCommerceErrorCode::cannotListen,
                                "cannot listen on " + std::string(kHost) + ":" + std::to_string(port));

@@ -134,8 +134,9 @@ int reportCommerceFailure(const std::optional<Error>& error, KTVCResortChoice pa
       if (isConnectionError(*commerceError)) {
         // Nothing was answered: the reason is ours or the network's, never a refusal.
         const bool reasoned = error->userInfo.is_object() && error->userInfo.contains(kErrorLocalizedDescriptionKey);
-        std::cerr << "varnel: no answer from the commerce service"
-                  << (reasoned ? ": " + localizedDescription(*error) : std::string(" (see --verbose)")) << '\n';
+        std::cerr << "varnel: "
+                  << (reasoned ? localizedDescription(*error) : std::string("no answer from the commerce service (see --verbose)"))
+                  << '\n';
       } else if (!isTransactionalError(*commerceError)) {
         std::cerr << "The commerce service refused the request.\n";
       }
