@@ -132,6 +132,7 @@ QWidget* GuestRenewalViewController::makeCheckoutPage() {
           [this](const QString& code) { presenter_->setSecurityCode(code.toStdString()); });
   connect(payButton_, &QPushButton::clicked, this, [this] { presenter_->pay(); });
   connect(cancel, &QPushButton::clicked, this, [this] { presenter_->cancel(); });
+  cancelButtons_ << cancel;
   return page;
 }
 
@@ -154,6 +155,7 @@ QWidget* GuestRenewalViewController::makeContractPage() {
   connect(signBox_, &QCheckBox::toggled, this, [this](bool on) { presenter_->setContractSigned(on); });
   connect(signAndPay_, &QPushButton::clicked, this, [this] { presenter_->pay(); });
   connect(cancel, &QPushButton::clicked, this, [this] { presenter_->cancel(); });
+  cancelButtons_ << cancel;
   return page;
 }
 
@@ -198,6 +200,7 @@ void GuestRenewalViewController::renewalScreenChanged(const GuestRenewalScreen& 
     monthlyPlan_->setEnabled(monthlyAvailable && !busy);
   }
   passList_->setEnabled(!busy);
+  for (QPushButton* cancel : cancelButtons_) cancel->setEnabled(!busy);
   renewButton_->setEnabled(screen.canRenew);
 
   showRenewalHtml(*orderView_, screen.orderHtml);

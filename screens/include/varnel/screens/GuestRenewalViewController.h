@@ -8,6 +8,7 @@
 // networking; its answers arrive on the registered MainQueue, which must be
 // the Qt event loop (QtMainQueue).
 
+#include <QList>
 #include <QWidget>
 
 #include <memory>
@@ -80,6 +81,8 @@ class GuestRenewalViewController : public QWidget, public GuestRenewalView {
   QLabel* resultTitle_;
   QLabel* banner_;
   QTextBrowser* resultView_;
+  /// The Cancel buttons of the checkout and contract pages.
+  QList<QPushButton*> cancelButtons_;
   QProgressBar* busy_;
   QLabel* status_;
   std::shared_ptr<GuestRenewalPresenter> presenter_;
