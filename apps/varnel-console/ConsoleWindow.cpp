@@ -12,8 +12,10 @@
 namespace varnel::console {
 
 ConsoleWindow::ConsoleWindow(std::vector<std::shared_ptr<VNLConfigurationBrick>> bricks,
-                             std::shared_ptr<KTVCParkResortContext> parkContext, const QString& storePath)
+                             GuestScreenFactory guestScreen, std::shared_ptr<KTVCParkResortContext> parkContext,
+                             const QString& details)
     : bricks_(std::move(bricks)),
+      guestScreen_(std::move(guestScreen)),
       parkContext_(std::move(parkContext)),
       brickList_(new QListWidget),
       content_(new QStackedWidget) {
@@ -24,13 +26,12 @@ ConsoleWindow::ConsoleWindow(std::vector<std::shared_ptr<VNLConfigurationBrick>>
   auto* heading = new QLabel(QStringLiteral("<b>Modules</b>"));
   sideLayout->addWidget(heading);
   for (const auto& brick : bricks_) brickList_->addItem(QString::fromStdString(brick->localizedTitle()));
+  if (guestScreen_) brickList_->addItem(QString::fromUtf8(kGuestRenewalTitle));
   sideLayout->addWidget(brickList_, 1);
-  auto* details = new QLabel(QStringLiteral("Park: %1<br>Settings: %2")
-                                 .arg(QString::fromStdString(parkName(*parkContext_)).toHtmlEscaped(),
-                                      storePath.toHtmlEscaped()));
-  details->setWordWrap(true);
-  details->setStyleSheet("color: #5f6368;");
-  sideLayout->addWidget(details);
+  auto* detailsLabel = new QLabel(details.toHtmlEscaped().replace('\n', QStringLiteral("<br>")));
+  detailsLabel->setWordWrap(true);
+  detailsLabel->setStyleSheet("color: #5f6368;");
+  sideLayout->addWidget(detailsLabel);
 
   content_->addWidget(new QLabel(QStringLiteral("Choose a module."), content_));
   auto* splitter = new QSplitter;
@@ -45,11 +46,16 @@ ConsoleWindow::ConsoleWindow(std::vector<std::shared_ptr<VNLConfigurationBrick>>
 }
 
 void ConsoleWindow::openBrick(int row) {
-  if (row < 0 || row >= static_cast<int>(bricks_.size())) return;
+  const int brickCount = static_cast<int>(bricks_.size());
+  if (row == brickCount && guestScreen_) return showScreen(guestScreen_());
+  if (row < 0 || row >= brickCount) return;
   auto& brick = *bricks_[static_cast<std::size_t>(row)];
   const auto names = brick.supportedBrickNames();
   const ConsoleInvocation invocation(names.empty() ? std::string() : names.front(), parkContext_);
-  auto screen = brick.configurationViewController(invocation);
+  showScreen(brick.configurationViewController(invocation));
+}
+
+void ConsoleWindow::showScreen(std::unique_ptr<QWidget> screen) {
   if (!screen) return;
   auto* navigation = new VNLNavigationController;
   navigation->push(std::move(screen));

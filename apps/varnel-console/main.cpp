@@ -1,8 +1,10 @@
 // varnel-console: the tester console. It plays the host's module-hosting
 // library in a window of its own: it lists the module's bricks and opens
-// their screens, on the same settings store as the varnel tool.
+// their screens, on the same settings store as the varnel tool, and shows the
+// sample guest's renewal against a commerce server (--server, else a mock
+// commerce server started in this process).
 //
-//   varnel-console [--defaults PATH] [--park 1|2] [--routing-server URL] [--screenshot DIR]
+//   varnel-console [--defaults PATH] [--park 1|2] [--routing-server URL] [--server URL] [--screenshot DIR]
 
 #include <CLI/CLI.hpp>
 
@@ -16,12 +18,15 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "ConsoleHost.h"
 #include "ConsoleWindow.h"
+#include "GuestCommerce.h"
 #include "Screenshots.h"
 #include "varnel/host/Registry.h"
+#include "varnel/screens/GuestRenewalViewController.h"
 #include "varnel/screens/QtPlatform.h"
 #include "varnel/screens/ServerErrorRoutingPresenter.h"
 #include "varnel/standalone/SqliteUserDefaults.h"
@@ -33,6 +38,7 @@ struct ConsoleOptions {
   std::string defaultsPath;
   int park = varnel::kResortChoiceEast;
   std::string routingServer;
+  std::string commerceServer;
   std::string screenshotDirectory;
   bool verbose = false;
 };
@@ -80,13 +86,34 @@ int run(const ConsoleOptions& options, int& argc, char** argv) {
   brick->setParkContext(parkContext);
 
   int status = 0;
-  if (!options.screenshotDirectory.empty()) {
-    status = console::takeScreenshots(options.screenshotDirectory, *brick, parkContext) ? 0 : 1;
-  } else {
-    console::ConsoleWindow window({brick}, parkContext, QString::fromStdString(store.value()->path().string()));
-    window.show();
-    status = QApplication::exec();
+  std::optional<console::GuestCommerce> commerce;
+  try {
+    // The screenshots are always taken against the in-process mock server.
+    commerce.emplace(options.screenshotDirectory.empty() ? options.commerceServer : std::string(),
+                     store.value()->path());
+  } catch (const std::runtime_error& error) {
+    std::cerr << "varnel-console: " << error.what() << '\n';
+    host::Registry::clear();
+    return 2;
   }
+  {
+    if (!options.screenshotDirectory.empty()) {
+      const bool tester = console::takeScreenshots(options.screenshotDirectory, *brick, parkContext);
+      const bool guest = console::takeRenewalScreenshots(options.screenshotDirectory, parkContext);
+      status = tester && guest ? 0 : 1;
+    } else {
+      const QString details = QStringLiteral("Park: %1\nSettings: %2\nCommerce: %3")
+                                  .arg(QString::fromStdString(console::parkName(*parkContext)),
+                                       QString::fromStdString(store.value()->path().string()),
+                                       QString::fromStdString(commerce->serverDescription()));
+      console::ConsoleWindow window(
+          {brick}, [parkContext] { return std::make_unique<GuestRenewalViewController>(parkContext); }, parkContext,
+          details);
+      window.show();
+      status = QApplication::exec();
+    }
+  }
+  commerce.reset();
   store.value()->synchronize();
   host::Registry::clear();
   return status;
@@ -106,6 +133,10 @@ int main(int argc, char** argv) {
   app.add_option("--routing-server", options.routingServer,
                  "Base address of the mock server of server-error routing (http://host:port)")
       ->envname("VARNEL_ROUTING_SERVER")
+      ->type_name("URL");
+  app.add_option("--server", options.commerceServer,
+                 "Base URL of the commerce server of the guest's renewal (default: a mock commerce server started "
+                 "in this process)")
       ->type_name("URL");
   app.add_option("--screenshot", options.screenshotDirectory,
                  "Render every screen offscreen into DIR as PNG and exit")

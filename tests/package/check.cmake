@@ -35,6 +35,17 @@ if(NOT last_output MATCHES "[1-9][0-9]* renewable pass\\(es\\)\n.*AP-100201")
   message(FATAL_ERROR "quickstart printed: ${last_output}")
 endif()
 
+# The renewal example renews the sample guest's pass against the installed mock
+# commerce server (a free port; stopped when the example has ended).
+run(${CMAKE_COMMAND} -S "${SOURCE_DIR}/examples/renewal" -B "${WORK_DIR}/renewal" -G Ninja
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${CXX_FLAGS}")
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/renewal")
+run(sh "${SOURCE_DIR}/tests/package/renew-against-mock.sh" "${prefix}" "${WORK_DIR}"
+    "${prefix}/share/varnel/guests/sample-guest.json")
+if(NOT last_output MATCHES "renewed AP-[0-9A-Z-]+: confirmation [^,]+, status BOOKED")
+  message(FATAL_ERROR "renewal printed: ${last_output}")
+endif()
+
 set(ENV{PKG_CONFIG_PATH} "${prefix}/lib/pkgconfig")
 run(pkg-config --cflags --libs varnel)
 if(NOT last_output MATCHES "-lvarnel_platform")

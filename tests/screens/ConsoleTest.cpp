@@ -1,5 +1,6 @@
 // varnel-console and varnel on one settings store: the console's pictures of
-// every screen, and routing values set from the command line.
+// every screen, the guest's renewal included, and routing values set from the
+// command line.
 
 #include <QImage>
 #include <QProcess>
@@ -33,8 +34,9 @@ TEST(VarnelConsole, ScreenshotWritesEveryScreenAsAPicture) {
   const QString pictures = directory.filePath("pictures");
   const ProgramRun console = run(VARNEL_CONSOLE_PATH, {"--defaults", store, "--park", "1", "--screenshot", pictures});
   ASSERT_EQ(console.status, 0) << console.output.toStdString();
-  for (const char* name : {"configuration.png", "presets.png", "business-requirements.png",
-                           "server-error-routing.png"}) {
+  for (const char* name : {"configuration.png", "presets.png", "business-requirements.png", "server-error-routing.png",
+                           "renewal-passes.png", "renewal-checkout.png", "renewal-contract.png",
+                           "renewal-confirmation.png", "renewal-declined.png"}) {
     SCOPED_TRACE(name);
     const QString file = pictures + "/" + name;
     EXPECT_GT(std::filesystem::file_size(file.toStdString()), 0u);
