@@ -28,8 +28,9 @@ bool RequestEnd::refusedByService() const {
   // A body the networking made up for an answer without one ("HTTP_502"): a
   // gateway's failure says nothing of whether the service acted.
   const Json& info = transportError->userInfo;
-  const auto status = info.find(kErrorStatusCodeKey);
-  const bool serverFailure = status != info.end() && status->is_number_integer() && status->get<long>() >= 500;
+  const auto answered = info.find(kErrorStatusCodeKey);
+  const bool serverFailure =
+      answered != info.end() && answered->is_number_integer() && answered->get<long>() >= 500;
   return !(type.starts_with("HTTP_") && serverFailure);
 }
 
