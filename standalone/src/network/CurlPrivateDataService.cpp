@@ -116,11 +116,11 @@ void CurlPrivateDataService::postDataUsingPath(const std::string& url, const Jso
   }
   HttpRequest request{"POST", url, requestSerializerHTTPRequestHeaders(),
                       parameters.dump(-1, ' ', false, Json::error_handler_t::replace)};
-  // A write may bring its own idempotency key (a journalled checkout does);
-  // it is taken when it is a plain token, else the client makes one.
+  // A write may bring its own idempotency key (a journalled checkout does):
+  // taken when it is a plain token; any other is refused at the door below.
   HTTPHeaderFields others = overrideHeaders;
-  if (const auto key = others.find(kIdempotencyKeyHeader); key != others.end()) {
-    if (isPlainIdempotencyKey(key->second)) request.headers.insert_or_assign(kIdempotencyKeyHeader, key->second);
+  if (const auto key = others.find(kIdempotencyKeyHeader); key != others.end() && isPlainIdempotencyKey(key->second)) {
+    request.headers.insert_or_assign(kIdempotencyKeyHeader, key->second);
     others.erase(key);
   }
   addUntrustedHeaders(request, others, "the override headers");
