@@ -1,5 +1,7 @@
 #include "commands/CommerceSession.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <mutex>
 
@@ -30,6 +32,26 @@ void addCommerceOptions(CLI::App& command, CommerceOptions& options) {
   command.add_option("--park", options.park, "Resort value of the park context (1 west, 2 east; default 2)");
   command.add_flag("--json", options.json, "Print JSON");
 }
+
+namespace {
+
+/// $VARNEL_REQUEST_TIMEOUT_MS (1 to 600000) shortens the time a request may
+/// take, connection included; fault soaks use it to lose answers quickly.
+standalone::HttpClientOptions networkOptions() {
+  standalone::HttpClientOptions options;
+  const char* text = std::getenv("VARNEL_REQUEST_TIMEOUT_MS");
+  if (text == nullptr) return options;
+  char* end = nullptr;
+  const long milliseconds = std::strtol(text, &end, 10);
+  if (end == text || *end != '\0' || milliseconds < 1 || milliseconds > 600'000) {
+    throw UsageError("VARNEL_REQUEST_TIMEOUT_MS: not a number of milliseconds from 1 to 600000");
+  }
+  options.transport.totalTimeout = std::chrono::milliseconds(milliseconds);
+  options.transport.connectTimeout = std::min(options.transport.connectTimeout, options.transport.totalTimeout);
+  return options;
+}
+
+}  // namespace
 
 CommerceSession::CommerceSession(const CommerceOptions& options) {
   using host::Registry;
@@ -68,8 +90,8 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
   auto environment = standalone::JsonEnvironment::forServer(serverUrl);
   if (!environment) throw UsageError("--server: " + localizedDescription(environment.error()));
 
-  networking_ = standalone::installStandaloneNetworking(environment.value(),
-                                                        [token = guest_.accessToken] { return token; });
+  networking_ = standalone::installStandaloneNetworking(
+      environment.value(), [token = guest_.accessToken] { return token; }, networkOptions());
   mainQueue_ = std::dynamic_pointer_cast<standalone::RunLoopMainQueue>(Registry::get<MainQueue>());
   if (!mainQueue_) {
     mainQueue_ = std::make_shared<standalone::RunLoopMainQueue>();
