@@ -27,7 +27,7 @@ struct ChaosOptions {
   /// settings store, since a server renews each pass only once.
   int batchSize = 200;
   /// What the children's requests may take ($VARNEL_REQUEST_TIMEOUT_MS).
-  std::chrono::milliseconds requestTimeout{1'500};
+  std::chrono::milliseconds requestTimeout{1'000};
   /// A child that has not exited within this is a hang.
   std::chrono::milliseconds childTimeout{30'000};
   /// The whole soak stops starting renewals after this.

@@ -3,6 +3,7 @@
 // charged: order by order (charged more than once), pass by pass (charged on
 // two orders), and charge by charge (charged, never confirmed to the guest).
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -32,6 +33,10 @@ struct RenewalRecord {
   int crashes = 0;
   /// Runs that ended with exit status 2 (bad input): the soak asked something wrong.
   int badInput = 0;
+  /// The last refusal's error case and reason, runs made, time taken (for --verbose).
+  std::string lastReason;
+  int runs = 1;
+  std::chrono::milliseconds elapsed{0};
   /// Crash and anomaly descriptions, for the report.
   std::vector<std::string> notes;
 };

@@ -107,9 +107,10 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
     case ChildRun::End::exited: break;
   }
   if (run.status == 2) {
+    // Told "bad input" (nothing sent for the renewal); the next run tries again.
     ++record.badInput;
     record.notes.push_back(what + " exited 2: " + lastLine(run.err));
-    return true;
+    return false;
   }
   if (run.status != 0 && run.status != 1 && run.status != 3) {
     ++record.crashes;
@@ -134,6 +135,11 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
     finishedNothing = entries == 0;
   } else {
     readOrderAnswer(record, answer, confirmed, refused);
+    if (answer.contains("error") && answer["error"].is_object()) {
+      const Json& error = answer["error"];
+      record.lastReason = error.value("case", Json()).is_string() ? error["case"].get<std::string>() + ": " : "";
+      record.lastReason += error.value("reason", Json()).is_string() ? error["reason"].get<std::string>() : "";
+    }
   }
   if (confirmed != (run.status == 0) && !finishedNothing) {
     record.notes.push_back(what + " exited " + std::to_string(run.status) + " but its answer says otherwise");
@@ -149,6 +155,7 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
 }
 
 RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, const Batch& batch) {
+  const auto started = Clock::now();
   RenewalRecord record;
   record.index = scenario.index;
   record.passId = scenario.passId;
@@ -176,11 +183,12 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
     const ChildRun next = runVarnel(
         resume ? resumeArguments(scenario, server, batch) : renewArguments(scenario, server, batch), std::nullopt);
     settled = account(record, next, resume, finishedNothing);
+    ++record.runs;
     // Nothing was pending (the killed run stopped before its checkout was
     // written down): the guest renews the pass again.
     renewAgain = renewAgain || finishedNothing;
   }
-  if (!settled && record.told == Told::nothing && record.badInput == 0) {
+  if (!settled && record.told == Told::nothing) {
     record.notes.push_back("no run told the guest anything");
   }
   // A delayed request may still be acted on by the server after its client
@@ -188,6 +196,7 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
   if (scenario.fault && scenario.fault->delay.count() > 0) {
     std::this_thread::sleep_until(firstEnded + scenario.fault->delay + std::chrono::milliseconds(100));
   }
+  record.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - started);
   return record;
 }
 
@@ -235,7 +244,9 @@ bool Soak::run(Figures& figures, std::vector<std::string>& problems) {
       if (options_.verbose) {
         static const char* told[] = {"nothing", "confirmed", "refused", "unknown"};
         std::cerr << describe(scenario) << " -> " << told[static_cast<int>(record.told)]
-                  << (record.toldUnknown ? " (after unknown)" : "") << '\n';
+                  << (record.toldUnknown ? " (after unknown)" : "") << ", " << record.runs << " run(s), "
+                  << record.elapsed.count() << " ms"
+                  << (record.told == Told::refused ? " [" + record.lastReason + "]" : std::string()) << '\n';
       }
       records.push_back(std::move(record));
       if (!server->alive()) break;
