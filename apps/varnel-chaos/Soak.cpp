@@ -160,7 +160,6 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
   record.index = scenario.index;
   record.passId = scenario.passId;
   record.faultKind = scenario.fault ? scenario.fault->kind : "none";
-  record.killed = scenario.killAt.has_value();
 
   if (scenario.fault && !server.addFault(scenario.fault->endpoint, scenario.fault->spec)) {
     record.notes.push_back("the mock server did not take the fault " + scenario.fault->spec);
@@ -169,6 +168,8 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
   if (scenario.killAt) killAfter = std::chrono::milliseconds(static_cast<long long>(*scenario.killAt * usualRunMs_));
   const ChildRun first = runVarnel(renewArguments(scenario, server, batch), killAfter);
   const auto firstEnded = Clock::now();
+  // A run that ended before its kill instant was not killed.
+  record.killed = first.end == ChildRun::End::killed;
   if (scenario.fault) server.clearFaults();
   if (!scenario.fault && !scenario.killAt && first.end == ChildRun::End::exited && first.status != 2) {
     // A running mean over the last few dozen unfaulted runs.
