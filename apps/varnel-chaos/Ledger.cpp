@@ -7,9 +7,17 @@ void Ledger::settleBatch(const std::vector<RenewalRecord>& records, const std::m
   Figures& f = figures_;
   std::set<std::string> attributed;
   std::set<std::string> confirmedAnywhere;
+  // Who an order belongs to: the renewal during which it appeared on the
+  // server (a --resume run may also finish an earlier renewal's order).
+  std::map<std::string, int> owner;
   for (const auto& record : records) {
     for (const auto& [order, number] : record.confirmedOrders) confirmedAnywhere.insert(order);
+    for (const auto& order : record.orders) owner[order] = record.index;
   }
+  const auto ownOrToldOnly = [&owner](const std::string& order, int index) {
+    const auto found = owner.find(order);
+    return found == owner.end() || found->second == index;
+  };
   for (const auto& record : records) {
     const std::string who = "renewal #" + std::to_string(record.index) + " (" + record.passId + ", fault " +
                             record.faultKind + (record.killed ? ", killed" : "") + ")";
@@ -33,8 +41,12 @@ void Ledger::settleBatch(const std::vector<RenewalRecord>& records, const std::m
     // The orders of this pass: those that appeared while it ran, and those
     // the guest was told about.
     std::set<std::string> orders = record.orders;
-    for (const auto& [order, number] : record.confirmedOrders) orders.insert(order);
-    orders.insert(record.refusedOrders.begin(), record.refusedOrders.end());
+    for (const auto& [order, number] : record.confirmedOrders) {
+      if (ownOrToldOnly(order, record.index)) orders.insert(order);
+    }
+    for (const auto& order : record.refusedOrders) {
+      if (ownOrToldOnly(order, record.index)) orders.insert(order);
+    }
     int chargedOrders = 0;
     bool doubled = false;
     for (const auto& order : orders) {
