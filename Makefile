@@ -1,7 +1,11 @@
 # The two everyday commands:
 #   make run    the main job on the embedded defaults
 #   make test   install what is missing, build with sanitizers, run every test
+<<<<<<< HEAD
 .PHONY: run test build build-tsan bench bootstrap bootstrap-run clean
+=======
+.PHONY: run test build build-tsan bench soak bootstrap clean
+>>>>>>> chaos
 
 JOBS ?= 2
 # The programs the main job runs; `make run` builds these and nothing else.
@@ -39,6 +43,15 @@ bench:
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS)
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done
+
+# The long chaos soak on an optimised build: renewals with random faults and
+# SIGKILLs against the mock commerce server, compared with its charges.
+SOAK_RENEWALS ?= 10000
+SOAK_KILLS ?= 1000
+soak: bootstrap
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS) --target varnel varnel-mock-commerce varnel-chaos
+	build/release/apps/varnel-chaos/varnel-chaos --renewals $(SOAK_RENEWALS) --kills $(SOAK_KILLS) --deadline 14400
 
 clean:
 	rm -rf build

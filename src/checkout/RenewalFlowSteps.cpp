@@ -164,12 +164,14 @@ void RenewalFlow::Impl::cardsAnswered(const RequestEnd& end) {
   // A card named up front is checked before any order is made.
   const PaymentAccount* named = checkout_detail::findCard(*accounts_, request_.cardReference);
   if (!named) {
-    outcome_.badRequest = true;
+    // Naming a card the guest does not have is bad input; a listing that
+    // holds no card at all is the service's answer, not the guest's mistake.
+    outcome_.badRequest = !accounts_->empty();
     std::string known;
     for (const auto& account : *accounts_) {
       known += (known.empty() ? "" : ", ") + account.creditCard().retrievalReferenceNumber();
     }
-    return refuse(Step::cards, std::nullopt,
+    return refuse(Step::cards, outcome_.badRequest ? std::nullopt : std::optional(APError::GeneralBookingServiceError),
                   "the guest has no card \"" + request_.cardReference + "\" (stored cards: " +
                       (known.empty() ? "none" : known) + ")");
   }
@@ -240,7 +242,14 @@ void RenewalFlow::Impl::contractRequestEnded(const RequestEnd& end) {
   if (end.succeeded && end.value && end.value->is_object()) {
     return contractArrived(VNLParseContractResponse().parseContract(*end.value), std::nullopt, "");
   }
-  contractArrived(std::nullopt, end.failed ? commerceErrorOfEnd(end) : std::nullopt, failureText(end));
+  std::optional<APError> error = end.failed ? commerceErrorOfEnd(end) : std::nullopt;
+  std::string reason = failureText(end);
+  if (!error && end.transportError) {
+    error = APBookingServiceError(*end.transportError);
+    reason = "the service refused the contract (" + (end.refusalType().empty() ? describe(*end.transportError)
+                                                                                : end.refusalType()) + ")";
+  }
+  contractArrived(std::nullopt, error, std::move(reason));
 }
 
 void RenewalFlow::Impl::contractArrived(std::optional<VNLContractDataModel> contract, std::optional<APError> error,

@@ -96,6 +96,14 @@ class WatchedRequest::Session final : public URLSession {
                                                     std::optional<URLResponse> response, std::optional<Error> error) {
       self->end_.transportError = error;
       if (response) self->end_.status = response->statusCode;
+      // The module reports a status other than 200 without an error; the
+      // service's own error body is kept for the guest's message.
+      if (!error && response && response->statusCode && *response->statusCode != 200) {
+        Json body = data ? Json::parse(*data, nullptr, false) : Json();
+        Json info{{kErrorIsConnectionErrorKey, false}, {kErrorStatusCodeKey, *response->statusCode}};
+        if (!body.is_discarded() && body.is_object()) info[kErrorJsonResponseKey] = std::move(body);
+        self->end_.transportError = Error{"Varnel.HTTP", *response->statusCode, std::move(info)};
+      }
       if (completion) completion(std::move(data), std::move(response), std::move(error));
       self->end();
     });

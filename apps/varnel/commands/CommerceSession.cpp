@@ -1,5 +1,7 @@
 #include "commands/CommerceSession.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <mutex>
 
@@ -32,6 +34,26 @@ void addCommerceOptions(CLI::App& command, CommerceOptions& options) {
       ->check(CLI::ExistingFile);
   command.add_flag("--json", options.json, "Print JSON");
 }
+
+namespace {
+
+/// $VARNEL_REQUEST_TIMEOUT_MS (1 to 600000) shortens the time a request may
+/// take, connection included; fault soaks use it to lose answers quickly.
+standalone::HttpClientOptions networkOptions() {
+  standalone::HttpClientOptions options;
+  const char* text = std::getenv("VARNEL_REQUEST_TIMEOUT_MS");
+  if (text == nullptr) return options;
+  char* end = nullptr;
+  const long milliseconds = std::strtol(text, &end, 10);
+  if (end == text || *end != '\0' || milliseconds < 1 || milliseconds > 600'000) {
+    throw UsageError("VARNEL_REQUEST_TIMEOUT_MS: not a number of milliseconds from 1 to 600000");
+  }
+  options.transport.totalTimeout = std::chrono::milliseconds(milliseconds);
+  options.transport.connectTimeout = std::min(options.transport.connectTimeout, options.transport.totalTimeout);
+  return options;
+}
+
+}  // namespace
 
 CommerceSession::CommerceSession(const CommerceOptions& options) {
   using host::Registry;
@@ -70,7 +92,7 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
   auto environment = standalone::JsonEnvironment::forServer(serverUrl);
   if (!environment) throw UsageError("--server: " + localizedDescription(environment.error()));
 
-  standalone::HttpClientOptions clientOptions;
+  standalone::HttpClientOptions clientOptions = networkOptions();
   if (!options.caFile.empty()) clientOptions.transport.extraCaFile = options.caFile;
   networking_ = standalone::installStandaloneNetworking(environment.value(),
                                                         [token = guest_.accessToken] { return token; }, clientOptions);
