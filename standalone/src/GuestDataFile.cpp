@@ -327,12 +327,10 @@ GuestData readDocument(const Json& document) {
 }  // namespace
 
 Result<GuestData> parseGuestData(std::string_view text, const std::string& origin) {
-  const Json document = Json::parse(text.begin(), text.end(), nullptr, /*allow_exceptions=*/false);
-  if (document.is_discarded()) {
-    return guestDataError(GuestDataErrorCode::malformed, origin, "not valid JSON");
-  }
+  const JsonParse document = parseJson(text, kJsonLimitsUniqueKeys);
+  if (!document) return guestDataError(GuestDataErrorCode::malformed, origin, document.refusal);
   try {
-    return readDocument(document);
+    return readDocument(*document.value);
   } catch (const FormatViolation& failure) {
     return guestDataError(GuestDataErrorCode::malformed, origin, failure.what());
   } catch (const std::exception& failure) {

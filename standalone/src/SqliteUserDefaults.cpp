@@ -65,24 +65,8 @@ std::optional<std::int64_t> queryInteger(sqlite3* database, const char* sql) {
   return statement.integer(0);
 }
 
-std::optional<DefaultsValue> decodeStored(const std::string& text) {
-  const Json encoded = Json::parse(text, nullptr, false);
-  DefaultsValue value;
-  if (encoded.is_discarded() || !decodeDefaultsValue(encoded, value)) return std::nullopt;
-  return value;
-}
-
-/// The stored text of `value`, or none when it would not read back as the
-/// same value (a number that is not finite, a string that is not UTF-8).
-std::optional<std::string> encodeForStorage(const DefaultsValue& value) {
-  try {
-    std::string text = encodeDefaultsValue(value).dump();
-    const auto back = decodeStored(text);
-    if (back && *back == value) return text;
-  } catch (const std::exception&) {
-    // nlohmann::json refuses to write text that is not UTF-8.
-  }
-  return std::nullopt;
+std::string unreadableMessage(std::string_view key, const fs::path& path, const std::string& problem) {
+  return "the value under \"" + std::string(key) + "\" in " + path.string() + " cannot be read: " + problem;
 }
 
 /// Reads the whole file once: refuses anything that is not a sound database.
@@ -149,15 +133,12 @@ std::optional<Error> checkSchema(sqlite3* database, const fs::path& path) {
   return std::nullopt;
 }
 
-std::optional<Error> checkValues(sqlite3* database, const fs::path& path) {
-  Statement all(database, "SELECT key, value, typeof(value) FROM defaults");
-  int result;
-  while ((result = all.step()) == SQLITE_ROW) {
-    if (all.text(2) != "text" || !decodeStored(all.text(1))) {
-      return storeError(path, SQLITE_MISMATCH,
-                        path.string() + " holds a value this program cannot read, under key \"" + all.text(0) +
-                            "\"");
-    }
+/// Takes the write lock and gives it back at once, so that a store that
+/// cannot be written (read-only, or locked by another process for longer
+/// than the busy timeout) is refused before anyone relies on a write.
+std::optional<Error> checkWritable(sqlite3* database, const fs::path& path) {
+  if (sqlite3_db_readonly(database, "main") == 1) {
+    return storeError(path, SQLITE_READONLY, path.string() + " is read-only");
   }
   if (result != SQLITE_DONE) {
     return storeError(path, result, "cannot read " + path.string() + ": " + sqlite3_errmsg(database));
@@ -188,7 +169,7 @@ Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::p
 
   // Checks that only read come first, so that a foreign or damaged file is
   // refused before anything is written to it.
-  for (auto check : {&checkIntegrity, &createSchemaIfEmpty, &checkSchema, &checkValues}) {
+  for (auto check : {&checkIntegrity, &createSchemaIfEmpty, &checkSchema, &checkWritable}) {
     if (auto error = check(database.get(), path)) return *error;
   }
   if (!execute(database.get(), "PRAGMA journal_mode=WAL") || !execute(database.get(), "PRAGMA synchronous=FULL")) {
@@ -244,23 +225,22 @@ std::optional<DefaultsValue> SqliteUserDefaults::objectForKey(std::string_view k
     KTVCPrintUtility::errorPrint("cannot read " + path_.string() + ": " + sqlite3_errmsg(database_));
     return std::nullopt;
   }
-  auto value = decodeStored(select.text(0));
-  if (!value) {
-    KTVCPrintUtility::errorPrint("unreadable value under \"" + std::string(key) + "\" in " + path_.string());
-  }
-  return value;
+  auto decoded = parseDefaultsValueText(select.text(0));
+  if (!decoded.value) KTVCPrintUtility::errorPrint(unreadableMessage(key, path_, decoded.problem));
+  return std::move(decoded.value);
 }
 
-std::map<std::string, DefaultsValue, std::less<>> SqliteUserDefaults::dictionaryRepresentation() const {
+SqliteUserDefaults::Contents SqliteUserDefaults::contents() const {
   std::lock_guard lock(mutex_);
-  std::map<std::string, DefaultsValue, std::less<>> values;
+  Contents contents;
   Statement all(database_, "SELECT key, value FROM defaults");
   int result;
   while ((result = all.step()) == SQLITE_ROW) {
-    if (auto value = decodeStored(all.text(1))) {
-      values.emplace(all.text(0), std::move(*value));
+    auto decoded = parseDefaultsValueText(all.text(1));
+    if (decoded.value) {
+      contents.values.emplace(all.text(0), std::move(*decoded.value));
     } else {
-      KTVCPrintUtility::errorPrint("unreadable value under \"" + all.text(0) + "\" in " + path_.string());
+      contents.unreadable.emplace(all.text(0), std::move(decoded.problem));
     }
   }
   if (result != SQLITE_DONE) {
@@ -268,12 +248,20 @@ std::map<std::string, DefaultsValue, std::less<>> SqliteUserDefaults::dictionary
   }
   for (const auto& [key, pending] : unsaved_) {
     if (pending) {
-      values.insert_or_assign(key, *pending);
+      contents.values.insert_or_assign(key, *pending);
     } else {
-      values.erase(key);
+      contents.values.erase(key);
     }
   }
-  return values;
+  return contents;
+}
+
+std::map<std::string, DefaultsValue, std::less<>> SqliteUserDefaults::dictionaryRepresentation() const {
+  Contents all = contents();
+  for (const auto& [key, problem] : all.unreadable) {
+    KTVCPrintUtility::errorPrint(unreadableMessage(key, path_, problem));
+  }
+  return std::move(all.values);
 }
 
 void SqliteUserDefaults::setObject(std::string_view key, DefaultsValue value) { write(key, std::move(value)); }
@@ -283,12 +271,15 @@ void SqliteUserDefaults::removeObjectForKey(std::string_view key) { write(key, s
 void SqliteUserDefaults::write(std::string_view key, std::optional<DefaultsValue> value) {
   std::optional<std::string> encoded;
   if (value) {
-    encoded = encodeForStorage(*value);
+    encoded = defaultsValueText(*value);
     if (!encoded) {
-      KTVCPrintUtility::errorPrint("refused to store the value under \"" + std::string(key) +
-                                   "\": it contains a number that is not finite or text that is not UTF-8");
+      const std::string failure = "refused to store the value under \"" + std::string(key) +
+                                  "\": it contains a number that is not finite or text that is not UTF-8, or nests "
+                                  "arrays and dictionaries too deeply";
+      KTVCPrintUtility::errorPrint(failure);
       std::lock_guard lock(mutex_);
       refusedSinceSynchronize_ = true;
+    contents.unreadable.erase(key);
       return;
     }
   }
@@ -317,7 +308,7 @@ bool SqliteUserDefaults::commit(const std::string& key, const std::optional<std:
 bool SqliteUserDefaults::synchronize() {
   std::lock_guard lock(mutex_);
   for (auto pending = unsaved_.begin(); pending != unsaved_.end();) {
-    const auto encoded = pending->second ? encodeForStorage(*pending->second) : std::nullopt;
+    const auto encoded = pending->second ? defaultsValueText(*pending->second) : std::nullopt;
     pending = commit(pending->first, encoded) ? unsaved_.erase(pending) : std::next(pending);
   }
   // Committed writes are already durable in the log; folding it into the

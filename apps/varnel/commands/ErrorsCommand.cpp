@@ -35,19 +35,15 @@ struct ListOptions {
 
 void explain(const ExplainOptions& options) {
   const KTVCResortChoice park = parsePark(options.park);
-  std::error_code ignored;
-  if (std::filesystem::is_directory(options.file, ignored))
-    throw UsageError("cannot read " + options.file + ": a directory");
-  const std::string input = readInput(options.file);
-  Json body = Json::parse(input, nullptr, /*allow_exceptions=*/false);
-  if (body.is_discarded()) {
+  JsonParse body = parseJson(readInput(options.file));
+  if (!body) {
     throw UsageError("the error body in " + (options.file == "-" ? std::string("standard input") : options.file) +
-                     " is not JSON");
+                     " is not usable: " + body.refusal);
   }
 
   // The platform error as the service layer hands it over for a failed request.
   const Error failure{std::string(ErrorConstants::errorDomain), 0,
-                      Json{{kErrorJsonResponseKey, std::move(body)}, {kErrorIsConnectionErrorKey, options.connection}}};
+                      Json{{kErrorJsonResponseKey, std::move(*body.value)}, {kErrorIsConnectionErrorKey, options.connection}}};
   const std::optional<APError> error =
       options.service == "booking" ? APBookingServiceError(failure) : APEvasError(failure);
 

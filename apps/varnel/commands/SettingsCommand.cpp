@@ -59,7 +59,14 @@ std::shared_ptr<SqliteUserDefaults> openStore(const SettingsOptions& options) {
 }
 
 void requireWritten(SqliteUserDefaults& store) {
-  if (!store.synchronize()) throw UsageError("could not write the settings to " + store.path().string());
+  if (store.synchronize()) return;
+  const auto failure = store.writeFailure();
+  throw UsageError("could not write the settings to " + store.path().string() + (failure ? ": " + *failure : ""));
+}
+
+std::string unreadable(const SqliteUserDefaults& store, const std::string& key, const std::string& problem) {
+  return "the value under " + echoed(key) + " in " + store.path().string() + " cannot be read (" + problem +
+         "); `varnel settings unset " + key + "` removes it";
 }
 
 std::string display(const DefaultsValue& value) {
@@ -109,8 +116,9 @@ bool fromPlainJson(const Json& json, DefaultsValue& out, bool insideArray) {
 }
 
 DefaultsValue parseJsonValue(const std::string& text) {
-  const Json json = Json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (json.is_discarded()) throw UsageError("\"" + text + "\" is not valid JSON");
+  const JsonParse parsed = parseJson(text);
+  if (!parsed) throw UsageError(echoed(text) + " is " + parsed.refusal);
+  const Json& json = *parsed.value;
   if (!json.is_object() && !json.is_array()) throw UsageError("a json value is an object or an array");
   DefaultsValue value;
   if (!fromPlainJson(json, value, false)) {
@@ -146,22 +154,32 @@ DefaultsValue parseValue(const std::string& text, const std::string& type) {
 }
 
 void list(const SettingsOptions& options) {
-  const auto stored = openStore(options)->dictionaryRepresentation();
+  const auto store = openStore(options);
+  const auto [stored, unreadableValues] = store->contents();
+  for (const auto& [key, problem] : unreadableValues) {
+    std::cerr << "varnel: " << unreadable(*store, key, problem) << '\n';
+  }
   if (options.json) {
     OrderedJson all = OrderedJson::object();
     for (const auto& [key, value] : stored) all[key] = toDisplayJson(value);
     std::cout << all.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     return;
   }
-  if (stored.empty()) std::cout << "No settings are stored.\n";
+  if (stored.empty() && unreadableValues.empty()) std::cout << "No settings are stored.\n";
   std::size_t width = 0;
   for (const auto& entry : stored) width = std::max(width, entry.first.size());
   for (const auto& [key, value] : stored) std::cout << fmt::format("{:<{}}  {}\n", key, width, display(value));
 }
 
 void get(const SettingsOptions& options) {
-  const auto value = openStore(options)->objectForKey(options.key);
-  if (!value) throw UsageError("no value is stored under \"" + options.key + "\"");
+  const auto store = openStore(options);
+  const auto contents = store->contents();
+  if (auto problem = contents.unreadable.find(options.key); problem != contents.unreadable.end()) {
+    throw UsageError(unreadable(*store, options.key, problem->second));
+  }
+  const auto found = contents.values.find(options.key);
+  if (found == contents.values.end()) throw UsageError("no value is stored under " + echoed(options.key));
+  const DefaultsValue* value = &found->second;
   std::cout << (options.json ? toDisplayJson(*value).dump(2, ' ', false, Json::error_handler_t::replace)
                              : display(*value))
             << '\n';

@@ -10,8 +10,15 @@
 // process, and retried by synchronize(), which answers whether everything is
 // on disk.
 //
-// A file that is not such a store (not a database, damaged, another schema,
-// a value this store cannot decode) is refused by open() and left as it is.
+// A file that cannot be used as such a store is refused by open() and left as
+// it is: not a database, damaged, another schema, read-only, or locked by
+// another process for longer than the busy timeout. The error's message names
+// the file and the reason.
+//
+// A value that cannot be read (another program's encoding, nesting deeper than
+// the JSON limits allow, varnel/platform/Json.h) does not make the store
+// unusable: reads answer its key as absent and log a line naming the key,
+// contents() lists it, and removeObjectForKey() deletes it.
 
 #include <chrono>
 #include <filesystem>
@@ -69,6 +76,15 @@ class SqliteUserDefaults final : public UserDefaults {
   std::map<std::string, DefaultsValue, std::less<>> dictionaryRepresentation() const override;
   /// Retries the writes that have not reached the file, then checkpoints the
   /// log; true when every write so far is on disk.
+
+  /// What the store holds: the values, and apart from them every key whose
+  /// value cannot be read, with the reason. Logs nothing.
+  struct Contents {
+    std::map<std::string, DefaultsValue, std::less<>> values;
+    std::map<std::string, std::string, std::less<>> unreadable;
+  };
+  Contents contents() const;
+
   bool synchronize() override;
 
   const std::filesystem::path& path() const { return path_; }
