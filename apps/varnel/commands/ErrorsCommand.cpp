@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
