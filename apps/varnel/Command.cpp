@@ -21,6 +21,7 @@ CommandRegistration::CommandRegistration(const char* name, CommandRegistrar regi
 
 void addRegisteredCommands(CLI::App& app) {
   for (const auto& [name, registrar] : registrars()) registrar(app);
+  refuseEmptyValues(app);
 }
 
 std::string readInput(const std::string& path) {

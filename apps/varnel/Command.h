@@ -31,7 +31,8 @@ struct CommandRegistration {
   CommandRegistration(const char* name, CommandRegistrar registrar);
 };
 
-/// Adds every registered command to `app`, in name order.
+/// Adds every registered command to `app`, in name order. Every option that
+/// takes a value then refuses an empty one (OptionChecks.h).
 void addRegisteredCommands(CLI::App& app);
 
 /// Reads a whole input file, or standard input when `path` is "-", as every

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "commands/ErrorReport.h"
 #include "varnel/errors/ErrorConstants.h"
 #include "varnel/errors/ErrorMapping.h"
@@ -94,15 +95,17 @@ void registerErrorsCommand(CLI::App& app) {
   explainCommand->add_option("--service", explainOptions->service, "Service that answered: booking or evas")
       ->required()
       ->check(CLI::IsMember({"booking", "evas"}));
-  explainCommand->add_option("--park", explainOptions->park, "Resort value of the park context (1 west, 2 east)")
-      ->required();
+  explainCommand->add_option("--park", explainOptions->park, "Resort value of the park context (1 west, 2 east, 7)")
+      ->required()
+      ->check(messagePark());
   explainCommand->add_flag("--connection", explainOptions->connection, "The request failed in transport");
   explainCommand->add_flag("--json", explainOptions->json, "Print one JSON object");
   explainCommand->callback([explainOptions] { explain(*explainOptions); });
 
   auto listOptions = std::make_shared<ListOptions>();
   CLI::App* listCommand = errors->add_subcommand("list", "Every commerce error with its kind and guest message");
-  listCommand->add_option("--park", listOptions->park, "Resort value of the park context (default 2, east)");
+  listCommand->add_option("--park", listOptions->park, "Resort value of the park context (default 2, east)")
+      ->check(messagePark());
   listCommand->add_flag("--json", listOptions->json, "Print a JSON array");
   listCommand->callback([listOptions] { list(*listOptions); });
 }

@@ -15,6 +15,7 @@
 #include <memory>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "commands/CommerceSession.h"
 #include "commands/ErrorReport.h"
 #include "commands/RenewalFlow.h"
@@ -29,7 +30,7 @@ void registerRenewCommand(CLI::App& app) {
   renew->add_option("--pass", options->pass,
                     "Product instance ID of the pass to renew (default: the first renewable now)");
   renew->add_option("--card", options->card, "Reference of the stored card to pay with (default: the first)");
-  renew->add_option("--cvv", options->cvv, "The card's security code");
+  renew->add_option("--cvv", options->cvv, "The card's security code")->check(securityCode());
   renew->add_option("--plan", options->plan, "Payment plan: full (default) or monthly")
       ->check(CLI::IsMember({"full", "monthly"}));
   renew->add_flag("--accept-terms", options->acceptTerms, "The guest accepts the terms and conditions");

@@ -26,6 +26,7 @@
 #include "Command.h"
 #include "varnel/host/Registry.h"
 #include "varnel/settings/VNLCommerceSettings.h"
+#include "OptionChecks.h"
 #include "varnel/standalone/SqliteUserDefaults.h"
 
 namespace varnel::cli {
@@ -122,16 +123,17 @@ DefaultsValue parseJsonValue(const std::string& text) {
   if (!json.is_object() && !json.is_array()) throw UsageError("a json value is an object or an array");
   DefaultsValue value;
   if (!fromPlainJson(json, value, false)) {
-    throw UsageError("the settings store cannot hold \"" + text + "\" (null outside an array, or a number too large)");
+    throw UsageError("the settings store cannot hold " + echoed(text) +
+                     " (null outside an array, or a number too large)");
   }
   return value;
 }
 
 DefaultsValue parseValue(const std::string& text, const std::string& type) {
-  const auto invalid = [&] { return UsageError("\"" + text + "\" is not a valid " + type); };
+  const auto invalid = [&] { return UsageError(echoed(text) + " is not a valid " + type); };
   const char* end = text.data() + text.size();
   if (type == "bool") {
-    if (text != "true" && text != "false") throw UsageError("a bool is true or false, not \"" + text + "\"");
+    if (text != "true" && text != "false") throw UsageError("a bool is true or false, not " + echoed(text));
     return DefaultsValue(text == "true");
   }
   if (type == "int") {
@@ -202,7 +204,7 @@ void preset(const SettingsOptions& options) {
   // Checked before the store is opened, so a wrong name changes nothing.
   const auto configuration = configurationFromRawValue(options.preset);
   if (!configuration) {
-    throw UsageError("unknown configuration \"" + options.preset + "\"; valid names: " + validConfigurationNames());
+    throw UsageError("unknown configuration " + echoed(options.preset) + "; valid names: " + validConfigurationNames());
   }
   const auto store = openStore(options);
   VNLCommerceSettings::setDefaultsFor(*configuration);
@@ -253,7 +255,8 @@ void registerSettingsCommand(CLI::App& app) {
 
   CLI::App* setCommand = command("set", "Store a value under a key", &set);
   setCommand->add_option("key", options->key, "User-defaults key")->required();
-  setCommand->add_option("value", options->value, "The value (true/false are booleans unless --type says otherwise)")
+  allowEmpty(setCommand->add_option("value", options->value,
+                                    "The value (true/false are booleans unless --type says otherwise)"))
       ->required();
   setCommand->add_option("--type", options->type,
                          "Kind of the value: bool, int, double, string, or json (an object or array)")
