@@ -22,7 +22,29 @@ constexpr const char* kCreateSchema =
     "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL) WITHOUT ROWID";
 
 Error storeError(const fs::path& path, int code, const std::string& message) {
-  return Error{kSqliteUserDefaultsErrorDomain, code, Json{{"message", message}, {"path", path.string()}}};
+  return Error{kSqliteUserDefaultsErrorDomain, code,
+               Json{{"message", message}, {"path", path.string()}, {kErrorLocalizedDescriptionKey, message}}};
+}
+
+/// Why SQLite answered `code`, in words that say what to do about it.
+std::string reasonFor(sqlite3* database, int code) {
+  switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: return "locked by another process";
+    case SQLITE_READONLY: return "read-only";
+    default: return sqlite3_errmsg(database);
+  }
+}
+
+/// The error of `doing` ("cannot read") that failed with `code`: "PATH is
+/// locked by another process", "PATH is read-only", else "cannot read PATH:
+/// SQLite's reason".
+Error failureOf(sqlite3* database, int code, const fs::path& path, const std::string& doing) {
+  const int primary = code & 0xff;
+  if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED || primary == SQLITE_READONLY) {
+    return storeError(path, code, path.string() + " is " + reasonFor(database, code));
+  }
+  return storeError(path, code, doing + " " + path.string() + ": " + sqlite3_errmsg(database));
 }
 
 /// One prepared statement, finalised on scope exit.
@@ -79,7 +101,7 @@ std::optional<Error> checkIntegrity(sqlite3* database, const fs::path& path) {
       return storeError(path, result, path.string() + " is not a user-defaults store: " + reason);
     }
     if ((result & 0xff) == SQLITE_CORRUPT) return storeError(path, result, path.string() + " is damaged: " + reason);
-    return storeError(path, result, "cannot read " + path.string() + ": " + reason);
+    return failureOf(database, result, path, "cannot read");
   }
   const std::string verdict = check.text(0);
   if (verdict != "ok") {
@@ -96,18 +118,18 @@ std::optional<Error> createSchemaIfEmpty(sqlite3* database, const fs::path& path
   if (tables != 0 || applicationId != 0) return std::nullopt;
 
   const auto failed = [&](const char* what) {
-    const std::string reason = sqlite3_errmsg(database);
+    Error failure = failureOf(database, sqlite3_errcode(database), path, what);
     execute(database, "ROLLBACK");
-    return storeError(path, sqlite3_errcode(database), "cannot " + std::string(what) + " " + path.string() + ": " + reason);
+    return failure;
   };
-  if (!execute(database, "PRAGMA journal_mode=WAL")) return failed("set up");
-  if (!execute(database, "BEGIN IMMEDIATE")) return failed("set up");
+  if (!execute(database, "PRAGMA journal_mode=WAL")) return failed("cannot set up");
+  if (!execute(database, "BEGIN IMMEDIATE")) return failed("cannot set up");
   if (queryInteger(database, "SELECT count(*) FROM sqlite_master") == 0) {
     const std::string stamp = "PRAGMA application_id=" + std::to_string(kApplicationId) +
                               "; PRAGMA user_version=" + std::to_string(kSchemaVersion);
-    if (!execute(database, kCreateSchema) || !execute(database, stamp.c_str())) return failed("set up");
+    if (!execute(database, kCreateSchema) || !execute(database, stamp.c_str())) return failed("cannot set up");
   }
-  if (!execute(database, "COMMIT")) return failed("set up");
+  if (!execute(database, "COMMIT")) return failed("cannot set up");
   return std::nullopt;
 }
 
@@ -140,9 +162,10 @@ std::optional<Error> checkWritable(sqlite3* database, const fs::path& path) {
   if (sqlite3_db_readonly(database, "main") == 1) {
     return storeError(path, SQLITE_READONLY, path.string() + " is read-only");
   }
-  if (result != SQLITE_DONE) {
-    return storeError(path, result, "cannot read " + path.string() + ": " + sqlite3_errmsg(database));
+  if (!execute(database, "BEGIN IMMEDIATE")) {
+    return failureOf(database, sqlite3_errcode(database), path, "cannot write to");
   }
+  execute(database, "ROLLBACK");
   return std::nullopt;
 }
 
@@ -173,8 +196,7 @@ Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::p
     if (auto error = check(database.get(), path)) return *error;
   }
   if (!execute(database.get(), "PRAGMA journal_mode=WAL") || !execute(database.get(), "PRAGMA synchronous=FULL")) {
-    return storeError(path, sqlite3_errcode(database.get()),
-                      "cannot set up " + path.string() + ": " + sqlite3_errmsg(database.get()));
+    return failureOf(database.get(), sqlite3_errcode(database.get()), path, "cannot set up");
   }
   return std::shared_ptr<SqliteUserDefaults>(new SqliteUserDefaults(database.release(), path));
 }
@@ -247,6 +269,7 @@ SqliteUserDefaults::Contents SqliteUserDefaults::contents() const {
     KTVCPrintUtility::errorPrint("cannot read " + path_.string() + ": " + sqlite3_errmsg(database_));
   }
   for (const auto& [key, pending] : unsaved_) {
+    contents.unreadable.erase(key);
     if (pending) {
       contents.values.insert_or_assign(key, *pending);
     } else {
@@ -279,7 +302,7 @@ void SqliteUserDefaults::write(std::string_view key, std::optional<DefaultsValue
       KTVCPrintUtility::errorPrint(failure);
       std::lock_guard lock(mutex_);
       refusedSinceSynchronize_ = true;
-    contents.unreadable.erase(key);
+      writeFailure_ = failure;
       return;
     }
   }
@@ -299,9 +322,10 @@ bool SqliteUserDefaults::commit(const std::string& key, const std::optional<std:
                                          : "DELETE FROM defaults WHERE key = ?1");
   statement.bind(1, key);
   if (encoded) statement.bind(2, *encoded);
-  if (statement.step() == SQLITE_DONE) return true;
-  KTVCPrintUtility::errorPrint("cannot write \"" + key + "\" to " + path_.string() + ": " +
-                               sqlite3_errmsg(database_));
+  const int result = statement.step();
+  if (result == SQLITE_DONE) return true;
+  writeFailure_ = "cannot write \"" + key + "\" to " + path_.string() + ": " + reasonFor(database_, result);
+  KTVCPrintUtility::errorPrint(writeFailure_);
   return false;
 }
 
@@ -316,7 +340,13 @@ bool SqliteUserDefaults::synchronize() {
   sqlite3_wal_checkpoint_v2(database_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
   const bool everythingWritten = unsaved_.empty() && !refusedSinceSynchronize_;
   refusedSinceSynchronize_ = false;
+  if (everythingWritten) writeFailure_.clear();
   return everythingWritten;
+}
+
+std::optional<std::string> SqliteUserDefaults::writeFailure() const {
+  std::lock_guard lock(mutex_);
+  return writeFailure_.empty() ? std::nullopt : std::optional<std::string>(writeFailure_);
 }
 
 }  // namespace varnel::standalone

@@ -12,9 +12,10 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
-#include "varnel/platform/Json.h"
 #include "standalone/TemporaryDirectory.h"
+#include "varnel/platform/Json.h"
 
 namespace {
 
@@ -241,6 +242,47 @@ TEST_F(CommerceCommands, CardNumbersAreShownMaskedOnly) {
   }
   EXPECT_NE(listed.output.find("1111"), std::string::npos) << "the last digits help the guest choose\n"
                                                            << listed.output;
+}
+
+TEST_F(CommerceCommands, AStoreThatCannotBeUsedIsNamedAndAnUnreadableValueCanBeRemoved) {
+  ASSERT_EQ(run("settings set kept true").status, 0);
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(store.c_str(), &other), SQLITE_OK);
+  const std::string poison = "INSERT INTO defaults (key, value) VALUES ('deep', '" + std::string(100'000, '[') +
+                             std::string(100'000, ']') + "')";
+  ASSERT_EQ(sqlite3_exec(other, poison.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+  struct Row {
+    std::string arguments;
+    int status;
+    std::string expected;
+  };
+  const std::string unreadable = "\"deep\" in " + store.string() + " cannot be read (nested deeper than 128 levels); " +
+                                 "`varnel settings unset deep` removes it";
+  const Row rows[] = {
+      {"settings list", 0, unreadable},
+      {"settings get deep", 2, unreadable},
+      {"accounts", 0, "CARD-REF-0001"},
+      {"settings unset deep", 0, ""},
+      {"settings list", 0, "kept"},
+  };
+  for (const auto& row : rows) {
+    const Outcome outcome = run(row.arguments);
+    EXPECT_EQ(outcome.status, row.status) << row.arguments << "\n" << outcome.output;
+    EXPECT_NE(outcome.output.find(row.expected), std::string::npos) << row.arguments << "\n" << outcome.output;
+  }
+  EXPECT_EQ(run("settings list").output.find("deep"), std::string::npos) << "unset removed it";
+
+  // Another process holds the store: the commands wait a few seconds, then stop before anything is sent.
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  for (const char* arguments : {"renew --accept-terms", "settings set kept false"}) {
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.status, 2) << arguments << "\n" << outcome.output;
+    EXPECT_NE(outcome.output.find(store.string() + " is locked by another process"), std::string::npos)
+        << arguments << "\n" << outcome.output;
+    EXPECT_EQ(outcome.output.find("Renewed."), std::string::npos) << outcome.output;
+  }
+  sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+  sqlite3_close(other);
 }
 
 TEST_F(CommerceCommands, OrderCreateShowsTheOrder) {

@@ -184,13 +184,16 @@ TEST_F(SqliteUserDefaultsTest, AValueThatCannotBeReadIsReportedByItsKeyAndCanBeR
 
 TEST_F(SqliteUserDefaultsTest, AStoreAnotherProcessHoldsIsRefusedWithTheReasonAndALaterWriteIsKeptAndRetried) {
   ASSERT_TRUE(openStore());
+  // Opened before the other process takes the store; its writes do not wait for the lock.
+  auto opened = SqliteUserDefaults::open(path, std::chrono::milliseconds(0));
+  ASSERT_TRUE(opened.ok());
   int locked[2], release[2];
   ASSERT_EQ(pipe(locked), 0);
   ASSERT_EQ(pipe(release), 0);
   const pid_t holder = spawn([&] {
     sqlite3* database = nullptr;
     if (sqlite3_open(path.c_str(), &database) != SQLITE_OK) return 4;
-    const bool held = sqlite3_exec(database, "BEGIN IMMEDIATE; INSERT INTO defaults (key, value) VALUES "
+    const bool held = sqlite3_exec(database, "BEGIN EXCLUSIVE; INSERT INTO defaults (key, value) VALUES "
                                              "('fromTheOtherProcess', '1')", nullptr, nullptr, nullptr) == SQLITE_OK;
     char go;
     if (!held || write(locked[1], "\n", 1) != 1 || read(release[0], &go, 1) != 1) return 5;
@@ -203,17 +206,22 @@ TEST_F(SqliteUserDefaultsTest, AStoreAnotherProcessHoldsIsRefusedWithTheReasonAn
   char line;
   ASSERT_EQ(read(locked[0], &line, 1), 1) << "the other process could not lock the store";
   {
-    // A writer that does not wait for the lock keeps what it could not write.
-    auto opened = SqliteUserDefaults::open(path, std::chrono::milliseconds(0));
-    ASSERT_TRUE(opened.ok());
+    const auto refused = SqliteUserDefaults::open(path, std::chrono::milliseconds(100));
+    ASSERT_FALSE(refused.ok());
+    EXPECT_THAT(jsonString(refused.error().userInfo, kErrorLocalizedDescriptionKey),
+                Pointee(path.string() + " is locked by another process"));
+    // The writer opened earlier keeps what it could not write.
     auto& store = *opened.value();
     store.setInteger("counter", 7);
     store.removeObjectForKey("fromTheOtherProcess");
     EXPECT_EQ(store.objectForKey("counter"), DefaultsValue(7)) << "reads see the kept write";
     EXPECT_FALSE(store.synchronize()) << "still locked";
+    EXPECT_THAT(store.writeFailure(), Optional(HasSubstr("locked by another process")));
     ASSERT_EQ(write(release[1], "\n", 1), 1);
     EXPECT_EQ(waitFor(holder), 0);
     EXPECT_TRUE(store.synchronize()) << "retried once the lock was released";
+    EXPECT_EQ(store.writeFailure(), std::nullopt);
+    opened.value().reset();
   }
   close(locked[0]);
   close(release[1]);

@@ -9,7 +9,9 @@
 //   varnel settings [--defaults PATH] current [--json]
 //
 // The store is PATH, else $VARNEL_DEFAULTS, else the per-user default. A store
-// that cannot be read is reported and left as it is.
+// that cannot be used is reported with its path and the reason, and left as it
+// is. A value that cannot be read is reported with its key; `unset KEY`
+// removes it.
 
 #include <fmt/format.h>
 
@@ -24,9 +26,9 @@
 #include <string>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "varnel/host/Registry.h"
 #include "varnel/settings/VNLCommerceSettings.h"
-#include "OptionChecks.h"
 #include "varnel/standalone/SqliteUserDefaults.h"
 
 namespace varnel::cli {

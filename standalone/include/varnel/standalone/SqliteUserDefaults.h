@@ -44,9 +44,10 @@ inline constexpr const char* kDefaultsPathEnvironmentVariable = "VARNEL_DEFAULTS
 
 class SqliteUserDefaults final : public UserDefaults {
  public:
-  /// How long a write waits for another process to release the file before
-  /// it is kept for synchronize() to retry.
-  static constexpr std::chrono::milliseconds kDefaultBusyTimeout{10000};
+  /// How long open() and a write wait for another process to release the
+  /// file: open() then refuses the store, a write is kept for synchronize()
+  /// to retry.
+  static constexpr std::chrono::milliseconds kDefaultBusyTimeout{3000};
 
   /// Opens the store at `path`, creating the file (and its folder) when it
   /// does not exist yet.
@@ -73,9 +74,8 @@ class SqliteUserDefaults final : public UserDefaults {
   std::optional<DefaultsValue> objectForKey(std::string_view key) const override;
   void setObject(std::string_view key, DefaultsValue value) override;
   void removeObjectForKey(std::string_view key) override;
+  /// Every readable value; a line is logged for each value that is not.
   std::map<std::string, DefaultsValue, std::less<>> dictionaryRepresentation() const override;
-  /// Retries the writes that have not reached the file, then checkpoints the
-  /// log; true when every write so far is on disk.
 
   /// What the store holds: the values, and apart from them every key whose
   /// value cannot be read, with the reason. Logs nothing.
@@ -85,7 +85,14 @@ class SqliteUserDefaults final : public UserDefaults {
   };
   Contents contents() const;
 
+  /// Retries the writes that have not reached the file, then checkpoints the
+  /// log; true when every write so far is on disk.
   bool synchronize() override;
+
+  /// Why the last write that did not reach the file failed ("cannot write
+  /// \"KEY\" to PATH: locked by another process", a refused value); none
+  /// once synchronize() has answered true.
+  std::optional<std::string> writeFailure() const;
 
   const std::filesystem::path& path() const { return path_; }
 
@@ -104,6 +111,7 @@ class SqliteUserDefaults final : public UserDefaults {
   std::map<std::string, std::optional<DefaultsValue>, std::less<>> unsaved_;
   /// A value was refused because it cannot be stored (not finite, not UTF-8).
   bool refusedSinceSynchronize_ = false;
+  std::string writeFailure_;
 };
 
 }  // namespace varnel::standalone
