@@ -1,11 +1,8 @@
 # The two everyday commands:
 #   make run    the main job on the embedded defaults
 #   make test   install what is missing, build with sanitizers, run every test
-<<<<<<< HEAD
-.PHONY: run test build build-tsan bench bootstrap bootstrap-run clean
-=======
-.PHONY: run test build build-tsan bench soak bootstrap clean
->>>>>>> chaos
+# and   make soak   the long chaos soak; make fuzz   every libFuzzer harness of fuzz/
+.PHONY: run test build build-tsan bench soak fuzz bootstrap bootstrap-run clean
 
 JOBS ?= 2
 # The programs the main job runs; `make run` builds these and nothing else.
@@ -52,6 +49,25 @@ soak: bootstrap
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS) --target varnel varnel-mock-commerce varnel-chaos
 	build/release/apps/varnel-chaos/varnel-chaos --renewals $(SOAK_RENEWALS) --kills $(SOAK_KILLS) --deadline 14400
+
+# Each harness of fuzz/ on its seed corpus (new inputs kept in build/fuzz/work),
+# with <harness>.dict when there is one, else answers.dict; prints the number of
+# executions and stops at the first crash, whose input and log stay in
+# build/fuzz/work.
+FUZZ_TIME ?= 60
+FUZZERS ?= $(patsubst fuzz/%_fuzzer.cpp,%,$(wildcard fuzz/*_fuzzer.cpp))
+fuzz: bootstrap
+	cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	      -DVARNEL_BUILD_FUZZ=ON -DVARNEL_BUILD_TESTS=OFF -DVARNEL_BUILD_APPS=OFF -DVARNEL_BUILD_SCREENS=OFF
+	cmake --build build/fuzz -j $(JOBS) --target $(addsuffix _fuzzer,$(FUZZERS))
+	@for f in $(FUZZERS); do \
+	  dict=fuzz/$$f.dict; [ -f $$dict ] || dict=fuzz/answers.dict; \
+	  mkdir -p build/fuzz/work/$$f; echo "== $$f ($(FUZZ_TIME) s)"; \
+	  build/fuzz/fuzz/$${f}_fuzzer -dict=$$dict -max_total_time=$(FUZZ_TIME) -print_final_stats=1 \
+	    -artifact_prefix=build/fuzz/work/$$f- build/fuzz/work/$$f fuzz/corpus/$$f > build/fuzz/work/$$f.log 2>&1; \
+	  status=$$?; grep -E '^stat::number_of_executed_units|ERROR|SUMMARY|Test unit written' build/fuzz/work/$$f.log; \
+	  [ $$status -eq 0 ] || { echo "$$f failed; its log: build/fuzz/work/$$f.log"; exit 1; }; \
+	done
 
 clean:
 	rm -rf build

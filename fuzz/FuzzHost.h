@@ -32,12 +32,12 @@ inline void installHostOnce() {
   (void)installed;
 }
 
-/// The input as JSON, or null when it is not JSON (the parsers get it anyway:
-/// they must take any value). Installs the host first.
+/// The input as JSON, read as every answer is (parseJson, within the JSON
+/// limits), or null when it is not (the parsers get it anyway: they must take
+/// any value). Installs the host first.
 inline Json answerFrom(const std::uint8_t* data, std::size_t size) {
   installHostOnce();
-  Json answer = Json::parse(data, data + size, nullptr, false);
-  return answer.is_discarded() ? Json() : answer;
+  return parseJson(std::string_view(reinterpret_cast<const char*>(data), size)).value.value_or(Json());
 }
 
 /// Serialises a record as the CLI does, so its text must stay printable.

@@ -1,10 +1,9 @@
 #include "Command.h"
 
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <map>
-#include <sstream>
+
+#include "OptionChecks.h"
+#include "varnel/standalone/InputFile.h"
 
 namespace varnel::cli {
 namespace {
@@ -22,18 +21,13 @@ CommandRegistration::CommandRegistration(const char* name, CommandRegistrar regi
 
 void addRegisteredCommands(CLI::App& app) {
   for (const auto& [name, registrar] : registrars()) registrar(app);
+  refuseEmptyValues(app);
 }
 
 std::string readInput(const std::string& path) {
-  if (path.empty() || path == "-") {
-    return std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw UsageError("cannot read " + path);
-  std::ostringstream content;
-  content << file.rdbuf();
-  if (file.bad()) throw UsageError("cannot read " + path);
-  return content.str();
+  auto content = path == "-" ? standalone::readStandardInput() : standalone::readInputFile(path);
+  if (!content) throw UsageError(localizedDescription(content.error()));
+  return std::move(content.value());
 }
 
 }  // namespace varnel::cli

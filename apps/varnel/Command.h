@@ -31,11 +31,13 @@ struct CommandRegistration {
   CommandRegistration(const char* name, CommandRegistrar registrar);
 };
 
-/// Adds every registered command to `app`, in name order.
+/// Adds every registered command to `app`, in name order. Every option that
+/// takes a value then refuses an empty one (OptionChecks.h).
 void addRegisteredCommands(CLI::App& app);
 
-/// Reads a whole file, or standard input when `path` is "-" or empty.
-/// Throws UsageError when it cannot be read.
+/// Reads a whole input file, or standard input when `path` is "-", as every
+/// input file is read (varnel/standalone/InputFile.h: regular files up to
+/// 16 MiB). Throws UsageError naming the file and the reason otherwise.
 std::string readInput(const std::string& path);
 
 }  // namespace varnel::cli

@@ -108,7 +108,7 @@ void ServerErrorRoutingPresenter::showAnswer(const ServerErrorRoutingAnswer& ans
 }
 
 std::optional<ServerErrorRoutingAnswer> ServerErrorRoutingPresenter::parseJSONString(std::string_view json) {
-  Json parsed = Json::parse(json.begin(), json.end(), nullptr, /*allow_exceptions=*/false);
+  Json parsed = parseJson(json).value.value_or(Json());
   if (parsed.is_array()) parsed = parsed.empty() ? Json() : Json(parsed.front());
   const std::string* endpoint = parsed.is_object() ? fieldValue(parsed, "field_endpoint") : nullptr;
   const std::string* header = parsed.is_object() ? fieldValue(parsed, "field_simulator_header") : nullptr;

@@ -96,8 +96,9 @@ void ContractFetcher::mockData(Success success, Failure failure) const {
   std::ifstream in(path, std::ios::binary);
   std::ostringstream text;
   text << in.rdbuf();
-  const Json decoded = Json::parse(text.str(), nullptr, /*allow_exceptions=*/false);
-  if (!in || decoded.is_discarded()) {
+  const JsonParse parsed = parseJson(text.str());
+  const Json decoded = parsed.value.value_or(Json());
+  if (!in || !parsed) {
     const Error error = fetcherError(3, "The data couldn\u2019t be read because it isn\u2019t in the correct format.");
     KTVCPrintUtility::debugPrint("Error occourd: " + localizedDescription(error),
                                  fetcherSite("mockData(success:failure:)", __LINE__));

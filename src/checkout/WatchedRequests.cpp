@@ -99,9 +99,9 @@ class WatchedRequest::Session final : public URLSession {
       // The module reports a status other than 200 without an error; the
       // service's own error body is kept for the guest's message.
       if (!error && response && response->statusCode && *response->statusCode != 200) {
-        Json body = data ? Json::parse(*data, nullptr, false) : Json();
+        JsonParse body = data ? parseJson(*data) : JsonParse{};
         Json info{{kErrorIsConnectionErrorKey, false}, {kErrorStatusCodeKey, *response->statusCode}};
-        if (!body.is_discarded() && body.is_object()) info[kErrorJsonResponseKey] = std::move(body);
+        if (body && body.value->is_object()) info[kErrorJsonResponseKey] = std::move(*body.value);
         self->end_.transportError = Error{"Varnel.HTTP", *response->statusCode, std::move(info)};
       }
       if (completion) completion(std::move(data), std::move(response), std::move(error));

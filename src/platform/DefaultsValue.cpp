@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <ctime>
+#include <exception>
 
 #include <fmt/format.h>
 #include <openssl/evp.h>
@@ -52,7 +53,10 @@ bool unhex(const std::string& text, DefaultsData& out) {
 }  // namespace
 
 std::string rfc3339(const Date& date) {
+  // 0001-01-01T00:00:00Z to 9999-12-31T23:59:59Z; beyond them, the seconds.
+  constexpr double kFirst = -62135596800.0, kLast = 253402300799.0;
   const double seconds = std::floor(date.timeIntervalSince1970);
+  if (!(seconds >= kFirst && seconds <= kLast)) return fmt::format("{}", date.timeIntervalSince1970);
   const std::time_t time = static_cast<std::time_t>(seconds);
   std::tm parts{};
   gmtime_r(&time, &parts);
@@ -147,6 +151,25 @@ bool decodeDefaultsValue(const Json& encoded, DefaultsValue& out) {
     return false;
   }
   return true;
+}
+
+std::optional<std::string> defaultsValueText(const DefaultsValue& value) {
+  try {
+    std::string text = encodeDefaultsValue(value).dump();
+    const auto back = parseDefaultsValueText(text);
+    if (back.value && *back.value == value) return text;
+  } catch (const std::exception&) {
+    // nlohmann::json refuses to write text that is not UTF-8.
+  }
+  return std::nullopt;
+}
+
+DefaultsValueParse parseDefaultsValueText(std::string_view text) {
+  const JsonParse encoded = parseJson(text);
+  if (!encoded) return {std::nullopt, encoded.refusal};
+  DefaultsValue value;
+  if (!decodeDefaultsValue(*encoded.value, value)) return {std::nullopt, "not a value this store wrote"};
+  return {std::move(value), {}};
 }
 
 }  // namespace varnel

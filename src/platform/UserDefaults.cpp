@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
+#include <limits>
 
 #include "varnel/platform/Describe.h"
 
@@ -26,7 +28,14 @@ std::int64_t UserDefaults::integerForKey(std::string_view key) const {
   if (!value) return 0;
   if (auto b = value->get<bool>()) return *b ? 1 : 0;
   if (auto i = value->get<std::int64_t>()) return *i;
-  if (auto d = value->get<double>()) return static_cast<std::int64_t>(*d);
+  if (auto d = value->get<double>()) {
+    // Saturated at the ends of the range; not a number reads as 0.
+    constexpr double kLimit = 9223372036854775808.0;  // 2^63
+    if (std::isnan(*d)) return 0;
+    if (*d >= kLimit) return std::numeric_limits<std::int64_t>::max();
+    if (*d < -kLimit) return std::numeric_limits<std::int64_t>::min();
+    return static_cast<std::int64_t>(*d);
+  }
   if (auto s = value->get<std::string>()) {
     try {
       return std::stoll(*s);

@@ -40,9 +40,9 @@ void complete(const KTVRSuccessBlock& successResponse, const KTVRFailureBlock& f
     return;
   }
   // Only an object or an array is a JSON document here; anything else is dropped.
-  Json answer = Json::parse(*data, nullptr, /*allow_exceptions=*/false);
-  if (answer.is_discarded() || !(answer.is_object() || answer.is_array())) return;
-  if (successResponse) successResponse(std::move(answer));
+  JsonParse answer = parseJson(*data);
+  if (!answer || !(answer.value->is_object() || answer.value->is_array())) return;
+  if (successResponse) successResponse(std::move(*answer.value));
 }
 
 }  // namespace

@@ -30,13 +30,13 @@ std::optional<std::string> resourceContent(std::string_view name) {
 Json VNLEVASParse::dataFromJsonFile(std::string_view fileName) {
   const std::optional<std::string> content = resourceContent(fileName);
   if (!content) return Json::object();
-  Json decoded = Json::parse(*content, nullptr, /*allow_exceptions=*/false);
-  if (decoded.is_discarded()) {
+  JsonParse decoded = parseJson(*content);
+  if (!decoded) {
     KTVCPrintUtility::debugPrint("Failed to load json file",
                                  LogSite{std::string(kEVASSource), "dataFromJsonFile(fileName:)", __LINE__});
     return Json::object();
   }
-  return decoded;
+  return std::move(*decoded.value);
 }
 
 std::optional<ENTMAnyList> VNLEVASParse::parseEvasJson(std::string_view jsonFileName) {

@@ -1,17 +1,17 @@
 #include "varnel/standalone/GuestDataFile.h"
 
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <functional>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+
+#include "varnel/standalone/InputFile.h"
 
 namespace varnel::standalone {
 namespace {
@@ -328,12 +328,10 @@ GuestData readDocument(const Json& document) {
 }  // namespace
 
 Result<GuestData> parseGuestData(std::string_view text, const std::string& origin) {
-  const Json document = Json::parse(text.begin(), text.end(), nullptr, /*allow_exceptions=*/false);
-  if (document.is_discarded()) {
-    return guestDataError(GuestDataErrorCode::malformed, origin, "not valid JSON");
-  }
+  const JsonParse document = parseJson(text, kJsonLimitsUniqueKeys);
+  if (!document) return guestDataError(GuestDataErrorCode::malformed, origin, document.refusal);
   try {
-    return readDocument(document);
+    return readDocument(*document.value);
   } catch (const FormatViolation& failure) {
     return guestDataError(GuestDataErrorCode::malformed, origin, failure.what());
   } catch (const std::exception& failure) {
@@ -351,16 +349,12 @@ Result<std::vector<ENTMEntitlementRef>> parseEntitlementList(const Json& list, c
 }
 
 Result<GuestData> readGuestDataFile(const std::filesystem::path& file) {
-  std::error_code status;
-  if (std::filesystem::is_directory(file, status)) {
-    return guestDataError(GuestDataErrorCode::unreadable, file.string(), "is a directory");
+  const auto content = readInputFile(file);
+  if (!content) {
+    const std::string* reason = jsonString(content.error().userInfo, "reason");
+    return guestDataError(GuestDataErrorCode::unreadable, file.string(), reason ? *reason : "cannot be read");
   }
-  std::ifstream input(file, std::ios::binary);
-  if (!input) return guestDataError(GuestDataErrorCode::unreadable, file.string(), "no such file or not readable");
-  std::ostringstream content;
-  content << input.rdbuf();
-  if (input.bad()) return guestDataError(GuestDataErrorCode::unreadable, file.string(), "read failed");
-  return parseGuestData(content.str(), file.string());
+  return parseGuestData(content.value(), file.string());
 }
 
 std::string describeGuestDataError(const Error& error) {

@@ -1,13 +1,12 @@
 #include "varnel/standalone/JsonRemoteConfiguration.h"
 
-#include <fstream>
-#include <sstream>
+#include "varnel/standalone/InputFile.h"
 
 namespace varnel::standalone {
 namespace {
 
-Error loadError(const std::filesystem::path& path, int code, const std::string& message) {
-  return Error{kJsonRemoteConfigurationErrorDomain, code, Json{{"message", message}, {"path", path.string()}}};
+Error loadError(const std::string& origin, int code, const std::string& message) {
+  return Error{kJsonRemoteConfigurationErrorDomain, code, Json{{"message", message}, {"path", origin}}};
 }
 
 }  // namespace
@@ -15,21 +14,26 @@ Error loadError(const std::filesystem::path& path, int code, const std::string& 
 JsonRemoteConfiguration::JsonRemoteConfiguration(Json values)
     : values_(values.is_object() ? std::move(values) : Json::object()) {}
 
-Result<std::shared_ptr<JsonRemoteConfiguration>> JsonRemoteConfiguration::load(const std::filesystem::path& path) {
-  std::error_code ignored;
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  if (file) text << file.rdbuf();
-  if (!file || file.bad() || std::filesystem::is_directory(path, ignored)) return loadError(path, 1, "cannot read the remote configuration " + path.string());
+Result<std::shared_ptr<JsonRemoteConfiguration>> JsonRemoteConfiguration::parse(std::string_view text,
+                                                                               const std::string& origin) {
+  JsonParse values = parseJson(text, kJsonLimitsUniqueKeys);
+  if (!values) {
+    return loadError(origin, 2, "the remote configuration " + origin + " is not usable: " + values.refusal);
+  }
+  if (!values.value->is_object()) {
+    return loadError(origin, 3, "the remote configuration " + origin + " is not a JSON object of key to value");
+  }
+  return std::make_shared<JsonRemoteConfiguration>(std::move(*values.value));
+}
 
-  Json values = Json::parse(text.str(), nullptr, false);
-  if (values.is_discarded()) {
-    return loadError(path, 2, "the remote configuration " + path.string() + " is not valid JSON");
+Result<std::shared_ptr<JsonRemoteConfiguration>> JsonRemoteConfiguration::load(const std::filesystem::path& path) {
+  const auto text = readInputFile(path);
+  if (!text) {
+    const std::string* reason = jsonString(text.error().userInfo, "reason");
+    return loadError(path.string(), 1,
+                     "cannot read the remote configuration " + path.string() + (reason ? ": " + *reason : ""));
   }
-  if (!values.is_object()) {
-    return loadError(path, 3, "the remote configuration " + path.string() + " is not a JSON object of key to value");
-  }
-  return std::make_shared<JsonRemoteConfiguration>(std::move(values));
+  return parse(text.value(), path.string());
 }
 
 std::optional<Json> JsonRemoteConfiguration::configurationValueByKey(std::string_view key) const {

@@ -93,8 +93,7 @@ RenewalJournalEntry readEntry(const Statement& row, std::string* owner) {
   entry.amount = row.text(9);
   entry.currency = row.text(10);
   entry.idempotencyKey = row.text(11);
-  entry.checkoutBody = Json::parse(row.text(12), nullptr, false);
-  if (entry.checkoutBody.is_discarded()) entry.checkoutBody = Json();
+  entry.checkoutBody = parseJson(row.text(12)).value.value_or(Json());
   entry.confirmationNumber = row.text(13);
   entry.createdAt = row.integer(14);
   entry.updatedAt = row.integer(15);

@@ -23,31 +23,37 @@ constexpr const char* kCreateSchema =
     "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL) WITHOUT ROWID";
 
 Error storeError(const fs::path& path, int code, const std::string& message) {
-  return Error{kSqliteUserDefaultsErrorDomain, code, Json{{"message", message}, {"path", path.string()}}};
+  return Error{kSqliteUserDefaultsErrorDomain, code,
+               Json{{"message", message}, {"path", path.string()}, {kErrorLocalizedDescriptionKey, message}}};
+}
+
+/// Why SQLite answered `code`, in words that say what to do about it.
+std::string reasonFor(sqlite3* database, int code) {
+  switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: return "locked by another process";
+    case SQLITE_READONLY: return "read-only";
+    default: return sqlite3_errmsg(database);
+  }
+}
+
+/// The error of `doing` ("cannot read") that failed with `code`: "PATH is
+/// locked by another process", "PATH is read-only", else "cannot read PATH:
+/// SQLite's reason".
+Error failureOf(sqlite3* database, int code, const fs::path& path, const std::string& doing) {
+  const int primary = code & 0xff;
+  if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED || primary == SQLITE_READONLY) {
+    return storeError(path, code, path.string() + " is " + reasonFor(database, code));
+  }
+  return storeError(path, code, doing + " " + path.string() + ": " + sqlite3_errmsg(database));
 }
 
 using sqlite::execute;
 using sqlite::queryInteger;
 using sqlite::Statement;
 
-std::optional<DefaultsValue> decodeStored(const std::string& text) {
-  const Json encoded = Json::parse(text, nullptr, false);
-  DefaultsValue value;
-  if (encoded.is_discarded() || !decodeDefaultsValue(encoded, value)) return std::nullopt;
-  return value;
-}
-
-/// The stored text of `value`, or none when it would not read back as the
-/// same value (a number that is not finite, a string that is not UTF-8).
-std::optional<std::string> encodeForStorage(const DefaultsValue& value) {
-  try {
-    std::string text = encodeDefaultsValue(value).dump();
-    const auto back = decodeStored(text);
-    if (back && *back == value) return text;
-  } catch (const std::exception&) {
-    // nlohmann::json refuses to write text that is not UTF-8.
-  }
-  return std::nullopt;
+std::string unreadableMessage(std::string_view key, const fs::path& path, const std::string& problem) {
+  return "the value under \"" + std::string(key) + "\" in " + path.string() + " cannot be read: " + problem;
 }
 
 /// Reads the whole file once: refuses anything that is not a sound database.
@@ -60,7 +66,7 @@ std::optional<Error> checkIntegrity(sqlite3* database, const fs::path& path) {
       return storeError(path, result, path.string() + " is not a user-defaults store: " + reason);
     }
     if ((result & 0xff) == SQLITE_CORRUPT) return storeError(path, result, path.string() + " is damaged: " + reason);
-    return storeError(path, result, "cannot read " + path.string() + ": " + reason);
+    return failureOf(database, result, path, "cannot read");
   }
   const std::string verdict = check.text(0);
   if (verdict != "ok") {
@@ -77,18 +83,18 @@ std::optional<Error> createSchemaIfEmpty(sqlite3* database, const fs::path& path
   if (tables != 0 || applicationId != 0) return std::nullopt;
 
   const auto failed = [&](const char* what) {
-    const std::string reason = sqlite3_errmsg(database);
+    Error failure = failureOf(database, sqlite3_errcode(database), path, what);
     execute(database, "ROLLBACK");
-    return storeError(path, sqlite3_errcode(database), "cannot " + std::string(what) + " " + path.string() + ": " + reason);
+    return failure;
   };
-  if (!execute(database, "PRAGMA journal_mode=WAL")) return failed("set up");
-  if (!execute(database, "BEGIN IMMEDIATE")) return failed("set up");
+  if (!execute(database, "PRAGMA journal_mode=WAL")) return failed("cannot set up");
+  if (!execute(database, "BEGIN IMMEDIATE")) return failed("cannot set up");
   if (queryInteger(database, "SELECT count(*) FROM sqlite_master") == 0) {
     const std::string stamp = "PRAGMA application_id=" + std::to_string(kApplicationId) +
                               "; PRAGMA user_version=" + std::to_string(kSchemaVersion);
-    if (!execute(database, kCreateSchema) || !execute(database, stamp.c_str())) return failed("set up");
+    if (!execute(database, kCreateSchema) || !execute(database, stamp.c_str())) return failed("cannot set up");
   }
-  if (!execute(database, "COMMIT")) return failed("set up");
+  if (!execute(database, "COMMIT")) return failed("cannot set up");
   return std::nullopt;
 }
 
@@ -114,19 +120,17 @@ std::optional<Error> checkSchema(sqlite3* database, const fs::path& path) {
   return std::nullopt;
 }
 
-std::optional<Error> checkValues(sqlite3* database, const fs::path& path) {
-  Statement all(database, "SELECT key, value, typeof(value) FROM defaults");
-  int result;
-  while ((result = all.step()) == SQLITE_ROW) {
-    if (all.text(2) != "text" || !decodeStored(all.text(1))) {
-      return storeError(path, SQLITE_MISMATCH,
-                        path.string() + " holds a value this program cannot read, under key \"" + all.text(0) +
-                            "\"");
-    }
+/// Takes the write lock and gives it back at once, so that a store that
+/// cannot be written (read-only, or locked by another process for longer
+/// than the busy timeout) is refused before anyone relies on a write.
+std::optional<Error> checkWritable(sqlite3* database, const fs::path& path) {
+  if (sqlite3_db_readonly(database, "main") == 1) {
+    return storeError(path, SQLITE_READONLY, path.string() + " is read-only");
   }
-  if (result != SQLITE_DONE) {
-    return storeError(path, result, "cannot read " + path.string() + ": " + sqlite3_errmsg(database));
+  if (!execute(database, "BEGIN IMMEDIATE")) {
+    return failureOf(database, sqlite3_errcode(database), path, "cannot write to");
   }
+  execute(database, "ROLLBACK");
   return std::nullopt;
 }
 
@@ -153,12 +157,11 @@ Result<std::shared_ptr<SqliteUserDefaults>> SqliteUserDefaults::open(const fs::p
 
   // Checks that only read come first, so that a foreign or damaged file is
   // refused before anything is written to it.
-  for (auto check : {&checkIntegrity, &createSchemaIfEmpty, &checkSchema, &checkValues}) {
+  for (auto check : {&checkIntegrity, &createSchemaIfEmpty, &checkSchema, &checkWritable}) {
     if (auto error = check(database.get(), path)) return *error;
   }
   if (!execute(database.get(), "PRAGMA journal_mode=WAL") || !execute(database.get(), "PRAGMA synchronous=FULL")) {
-    return storeError(path, sqlite3_errcode(database.get()),
-                      "cannot set up " + path.string() + ": " + sqlite3_errmsg(database.get()));
+    return failureOf(database.get(), sqlite3_errcode(database.get()), path, "cannot set up");
   }
   return std::shared_ptr<SqliteUserDefaults>(new SqliteUserDefaults(database.release(), path));
 }
@@ -209,36 +212,44 @@ std::optional<DefaultsValue> SqliteUserDefaults::objectForKey(std::string_view k
     KTVCPrintUtility::errorPrint("cannot read " + path_.string() + ": " + sqlite3_errmsg(database_));
     return std::nullopt;
   }
-  auto value = decodeStored(select.text(0));
-  if (!value) {
-    KTVCPrintUtility::errorPrint("unreadable value under \"" + std::string(key) + "\" in " + path_.string());
-  }
-  return value;
+  auto decoded = parseDefaultsValueText(select.text(0));
+  if (!decoded.value) KTVCPrintUtility::errorPrint(unreadableMessage(key, path_, decoded.problem));
+  return std::move(decoded.value);
 }
 
-std::map<std::string, DefaultsValue, std::less<>> SqliteUserDefaults::dictionaryRepresentation() const {
+SqliteUserDefaults::Contents SqliteUserDefaults::contents() const {
   std::lock_guard lock(mutex_);
-  std::map<std::string, DefaultsValue, std::less<>> values;
+  Contents contents;
   Statement all(database_, "SELECT key, value FROM defaults");
   int result;
   while ((result = all.step()) == SQLITE_ROW) {
-    if (auto value = decodeStored(all.text(1))) {
-      values.emplace(all.text(0), std::move(*value));
+    auto decoded = parseDefaultsValueText(all.text(1));
+    if (decoded.value) {
+      contents.values.emplace(all.text(0), std::move(*decoded.value));
     } else {
-      KTVCPrintUtility::errorPrint("unreadable value under \"" + all.text(0) + "\" in " + path_.string());
+      contents.unreadable.emplace(all.text(0), std::move(decoded.problem));
     }
   }
   if (result != SQLITE_DONE) {
     KTVCPrintUtility::errorPrint("cannot read " + path_.string() + ": " + sqlite3_errmsg(database_));
   }
   for (const auto& [key, pending] : unsaved_) {
+    contents.unreadable.erase(key);
     if (pending) {
-      values.insert_or_assign(key, *pending);
+      contents.values.insert_or_assign(key, *pending);
     } else {
-      values.erase(key);
+      contents.values.erase(key);
     }
   }
-  return values;
+  return contents;
+}
+
+std::map<std::string, DefaultsValue, std::less<>> SqliteUserDefaults::dictionaryRepresentation() const {
+  Contents all = contents();
+  for (const auto& [key, problem] : all.unreadable) {
+    KTVCPrintUtility::errorPrint(unreadableMessage(key, path_, problem));
+  }
+  return std::move(all.values);
 }
 
 void SqliteUserDefaults::setObject(std::string_view key, DefaultsValue value) { write(key, std::move(value)); }
@@ -248,12 +259,15 @@ void SqliteUserDefaults::removeObjectForKey(std::string_view key) { write(key, s
 void SqliteUserDefaults::write(std::string_view key, std::optional<DefaultsValue> value) {
   std::optional<std::string> encoded;
   if (value) {
-    encoded = encodeForStorage(*value);
+    encoded = defaultsValueText(*value);
     if (!encoded) {
-      KTVCPrintUtility::errorPrint("refused to store the value under \"" + std::string(key) +
-                                   "\": it contains a number that is not finite or text that is not UTF-8");
+      const std::string failure = "refused to store the value under \"" + std::string(key) +
+                                  "\": it contains a number that is not finite or text that is not UTF-8, or nests "
+                                  "arrays and dictionaries too deeply";
+      KTVCPrintUtility::errorPrint(failure);
       std::lock_guard lock(mutex_);
       refusedSinceSynchronize_ = true;
+      writeFailure_ = failure;
       return;
     }
   }
@@ -279,22 +293,28 @@ bool SqliteUserDefaults::commit(const std::string& key, const std::optional<std:
   const int result = statement.step();
   if (!encoded) execute(database_, "PRAGMA synchronous=FULL");
   if (result == SQLITE_DONE) return true;
-  KTVCPrintUtility::errorPrint("cannot write \"" + key + "\" to " + path_.string() + ": " +
-                               sqlite3_errmsg(database_));
+  writeFailure_ = "cannot write \"" + key + "\" to " + path_.string() + ": " + reasonFor(database_, result);
+  KTVCPrintUtility::errorPrint(writeFailure_);
   return false;
 }
 
 bool SqliteUserDefaults::synchronize() {
   std::lock_guard lock(mutex_);
   for (auto pending = unsaved_.begin(); pending != unsaved_.end();) {
-    const auto encoded = pending->second ? encodeForStorage(*pending->second) : std::nullopt;
+    const auto encoded = pending->second ? defaultsValueText(*pending->second) : std::nullopt;
     pending = commit(pending->first, encoded) ? unsaved_.erase(pending) : std::next(pending);
   }
   // Committed writes are already durable in the log, which SQLite folds into
   // the main file by itself as it grows.
   const bool everythingWritten = unsaved_.empty() && !refusedSinceSynchronize_;
   refusedSinceSynchronize_ = false;
+  if (everythingWritten) writeFailure_.clear();
   return everythingWritten;
+}
+
+std::optional<std::string> SqliteUserDefaults::writeFailure() const {
+  std::lock_guard lock(mutex_);
+  return writeFailure_.empty() ? std::nullopt : std::optional<std::string>(writeFailure_);
 }
 
 }  // namespace varnel::standalone

@@ -1,9 +1,8 @@
 #include "varnel/standalone/StringTableLocalization.h"
 
-#include <fstream>
-
 #include "varnel/host/KTVCPrintUtility.h"
 #include "varnel/platform/Json.h"
+#include "varnel/standalone/InputFile.h"
 
 namespace varnel::standalone {
 
@@ -21,12 +20,12 @@ std::string StringTableLocalization::localizedStringForKey(std::string_view key,
 const StringTableLocalization::Table& StringTableLocalization::table(const std::filesystem::path& file) const {
   if (auto it = tables_.find(file); it != tables_.end()) return it->second;
   Table& entries = tables_[file];
-  std::ifstream input(file);
-  if (!input) {
+  const auto content = readInputFile(file);
+  if (!content) {
     KTVCPrintUtility::errorPrint("String table not readable: " + file.string());
     return entries;
   }
-  const Json document = Json::parse(input, nullptr, /*allow_exceptions=*/false);
+  const Json document = parseJson(content.value()).value.value_or(Json());
   if (!document.is_object()) {
     KTVCPrintUtility::errorPrint("String table is not a JSON object: " + file.string());
     return entries;

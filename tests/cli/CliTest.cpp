@@ -1,6 +1,7 @@
 // The varnel tool end to end: exit status and what it prints, for good and
 // bad input. Runs the built binary against the real resources.
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -11,7 +12,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
+#include "standalone/TemporaryDirectory.h"
 #include "varnel/platform/Json.h"
 
 namespace {
@@ -76,29 +79,73 @@ TEST(VarnelTool, JsonOutputIsOneDocument) {
   }
 }
 
-TEST(VarnelTool, RefusesBadInputWithStatusTwo) {
-  const auto garbage = std::filesystem::temp_directory_path() / "varnel-cli-garbage.json";
-  std::ofstream(garbage) << "\x01{ not json";
-  const std::string rows[] = {
-      "errors explain /nonexistent/body.json --service booking --park 2",
-      "errors explain " + garbage.string() + " --service booking --park 2",
-      "errors explain - --service nowhere --park 2 <<< '{}'",
-      "errors explain - --service booking --park east <<< '{}'",
-      "renewals --guest " + garbage.string(),
-      "answers parse --kind order - <<< '[1, 2]'",
-      "settings --defaults " + garbage.string() + " list",
-      "settings --defaults /tmp/varnel-cli-unused.sqlite3 preset apRenewals",
-      "requirements --local nonsense",
-      "requirements --remote /nonexistent.json",
-      "no-such-command",
+TEST(VarnelTool, RefusesBadInputWithStatusTwoBeforeTouchingTheStore) {
+  const varnel::testing::TemporaryDirectory scratch;
+  const auto garbage = scratch.write("garbage.json", "\x01{ not json").string();
+  const auto deepGuest = scratch.write("deep.json", "{\"entitlements\": [], \"theaterTickets\": " +
+                                                         std::string(100'000, '[') + std::string(100'000, ']') + "}");
+  const auto twiceGuest = scratch.write("twice.json", R"({"entitlements": [], "entitlements": []})").string();
+  const auto fifo = (scratch.path / "fifo").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const auto huge = scratch.write("huge.json", "{}");
+  std::filesystem::resize_file(huge, 10'000'000'000);  // sparse
+  const std::string deepJson = "'" + std::string(200, '[') + std::string(200, ']') + "'";
+  const auto store = scratch.path / "store.sqlite3";
+  setenv("VARNEL_DEFAULTS", store.c_str(), 1);
+
+  struct Row {
+    std::string arguments;
+    std::string expected;  // a fragment of the message
   };
-  for (const auto& arguments : rows) {
-    const Outcome run = varnel(arguments);
-    EXPECT_EQ(run.status, 2) << arguments << "\n" << run.output;
-    EXPECT_FALSE(run.output.empty()) << arguments;
+  const Row rows[] = {
+      {"errors explain /nonexistent/body.json --service booking --park 2", "No such file"},
+      {"errors explain " + garbage + " --service booking --park 2", "not valid JSON"},
+      {"errors explain /dev/zero --service booking --park 2", "not a regular file"},
+      {"errors explain " + fifo + " --service booking --park 2", "not a regular file"},
+      {"answers parse --kind order " + huge.string(), "larger than 16 MiB"},
+      {"answers parse --kind order - <<< '[1, 2]'", "not an object"},
+      {"errors explain '' --service booking --park 2", "empty value"},
+      {"errors explain - --service nowhere --park 2 <<< '{}'", "--service"},
+      {"errors explain - --service booking --park east <<< '{}'", "accepted values: 1 (west), 2 (east), 7"},
+      {"errors list --park 9", "accepted values: 1 (west), 2 (east), 7"},
+      {"renewals --guest " + garbage, "not valid JSON"},
+      {"renewals --guest " + deepGuest.string(), "nested deeper than 128 levels"},
+      {"renewals --guest " + twiceGuest, "the key \"entitlements\" appears twice"},
+      {"entitlements --guest ''", "empty value"},
+      {"settings --defaults " + garbage + " list", "not a user-defaults store"},
+      {"settings --defaults '' list", "empty value"},
+      {"settings set '' true", "empty value"},
+      {"settings set key " + deepJson + " --type json", "nested deeper than 128 levels"},
+      {"settings preset nonsense", "unknown configuration"},
+      {"requirements --local nonsense", "KEY=true|false"},
+      {"requirements --remote /nonexistent.json", "cannot read the remote configuration"},
+      {"cards type ''", "empty value"},
+      {"renew --pass ''", "--pass: an empty value"},
+      {"renew --card '' --accept-terms", "--card: an empty value"},
+      {"order create --pass ''", "--pass: an empty value"},
+      {"accounts --defaults ''", "--defaults: an empty value"},
+      {"accounts --guest /dev/zero", "not a regular file"},
+      {"renew --cvv 12a --accept-terms", "3 or 4 digits"},
+      {"renew --cvv 12345 --accept-terms", "3 or 4 digits"},
+      {"renew --server ftp://127.0.0.1:1 --accept-terms", "not http or https"},
+      {"renew --server 127.0.0.1:8080", "not a commerce server URL"},
+      {"renew --server http://127.0.0.1:99999", "not a commerce server URL"},
+      {"renew --server 'http://127.0.0.1:1/?a=b'", "query or fragment"},
+      {"accounts --server http://" + std::string(300, 'x') + ":0", "xxxxxxxx...\" is not"},
+      {"renew --park 9", "accepted values: 1 (west), 2 (east)"},
+      {"accounts --park 7", "accepted values: 1 (west), 2 (east)\n"},
+      {"no-such-command", "subcommand"},
+  };
+  for (const auto& row : rows) {
+    const Outcome run = varnel(row.arguments);
+    EXPECT_EQ(run.status, 2) << row.arguments << "\n" << run.output;
+    EXPECT_NE(run.output.find(row.expected), std::string::npos) << row.arguments << "\n" << run.output;
+    EXPECT_FALSE(std::filesystem::exists(store)) << row.arguments << ": a usage error wrote the store";
   }
-  EXPECT_FALSE(std::filesystem::exists("/tmp/varnel-cli-unused.sqlite3"));
-  std::filesystem::remove(garbage);
+  EXPECT_EQ(varnel("renew --cvv 98x1").output.find("98x1"), std::string::npos) << "a security code is never echoed";
+  // A scheme in capitals is a URL all the same: the command gets as far as the (absent) server.
+  EXPECT_EQ(varnel("accounts --server HTTP://127.0.0.1:1").status, 1);
+  unsetenv("VARNEL_DEFAULTS");
 }
 
 // The commerce commands against a mock commerce service started in process,
@@ -195,6 +242,47 @@ TEST_F(CommerceCommands, CardNumbersAreShownMaskedOnly) {
   }
   EXPECT_NE(listed.output.find("1111"), std::string::npos) << "the last digits help the guest choose\n"
                                                            << listed.output;
+}
+
+TEST_F(CommerceCommands, AStoreThatCannotBeUsedIsNamedAndAnUnreadableValueCanBeRemoved) {
+  ASSERT_EQ(run("settings set kept true").status, 0);
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(store.c_str(), &other), SQLITE_OK);
+  const std::string poison = "INSERT INTO defaults (key, value) VALUES ('deep', '" + std::string(100'000, '[') +
+                             std::string(100'000, ']') + "')";
+  ASSERT_EQ(sqlite3_exec(other, poison.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+  struct Row {
+    std::string arguments;
+    int status;
+    std::string expected;
+  };
+  const std::string unreadable = "\"deep\" in " + store.string() + " cannot be read (nested deeper than 128 levels); " +
+                                 "`varnel settings unset deep` removes it";
+  const Row rows[] = {
+      {"settings list", 0, unreadable},
+      {"settings get deep", 2, unreadable},
+      {"accounts", 0, "CARD-REF-0001"},
+      {"settings unset deep", 0, ""},
+      {"settings list", 0, "kept"},
+  };
+  for (const auto& row : rows) {
+    const Outcome outcome = run(row.arguments);
+    EXPECT_EQ(outcome.status, row.status) << row.arguments << "\n" << outcome.output;
+    EXPECT_NE(outcome.output.find(row.expected), std::string::npos) << row.arguments << "\n" << outcome.output;
+  }
+  EXPECT_EQ(run("settings list").output.find("deep"), std::string::npos) << "unset removed it";
+
+  // Another process holds the store: the commands wait a few seconds, then stop before anything is sent.
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  for (const char* arguments : {"renew --accept-terms", "settings set kept false"}) {
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.status, 2) << arguments << "\n" << outcome.output;
+    EXPECT_NE(outcome.output.find(store.string() + " is locked by another process"), std::string::npos)
+        << arguments << "\n" << outcome.output;
+    EXPECT_EQ(outcome.output.find("Renewed."), std::string::npos) << outcome.output;
+  }
+  sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+  sqlite3_close(other);
 }
 
 TEST_F(CommerceCommands, OrderCreateShowsTheOrder) {

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string>
 
 #include "ParserTestSupport.h"
 #include "varnel/services/VNLParseContractResponse.h"
@@ -20,8 +22,9 @@ TEST_F(FuzzCorpusReplayTest, EveryParserTakesEveryCorpusInput) {
   for (const auto& file : std::filesystem::recursive_directory_iterator(VARNEL_FUZZ_CORPUS_DIR)) {
     if (!file.is_regular_file()) continue;
     SCOPED_TRACE(file.path().string());
-    Json answer = Json::parse(std::ifstream(file.path(), std::ios::binary), nullptr, false);
-    if (answer.is_discarded()) answer = nullptr;  // what is not JSON comes as null
+    std::ifstream input(file.path(), std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+    const Json answer = parseJson(text).value.value_or(nullptr);  // what is not JSON comes as null
 
     const RenewalOrder order = VNLParseCreateOrderResponse().parseCreateOrder(answer);
     EXPECT_TRUE(order.paymentPlan);

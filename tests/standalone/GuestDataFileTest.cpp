@@ -51,6 +51,9 @@ TEST(GuestDataFileTest, BadInputIsAnErrorNamingTheFileAndThePlaceOfTheFault) {
       {R"({"entitlements": [{"productInstanceID": "x"}]})", "entitlements[0].productInstanceID: unknown key"},
       {R"({"entitlements": [{"apUpgradeOptions": {"STD_GST": [1]}}]})", "apUpgradeOptions.STD_GST[0]"},
       {deep, "nested too deeply"},
+      {R"({"entitlements": [], "theaterTickets": [)" + std::string(200, '[') + std::string(200, ']') + "]}",
+       "nested deeper than 128 levels"},
+      {R"({"entitlements": [{"tax": 1, "tax": 2}]})", R"(the key "tax" appears twice)"},
   };
   for (const auto& [text, expected] : cases) {
     auto guest = parseGuestData(text, "test.json");

@@ -17,6 +17,9 @@ TEST(JsonRemoteConfigurationTest, ValuesKeepTheirTypeAndUnusableFilesAreErrorsNa
       directory.write("empty.json", ""),
       directory.write("array.json", "[true, false]"),
       directory.write("binary.json", std::string("\xff\xfe{\x00}", 5)),
+      directory.write("twice.json", R"({"enableAnnualPassportSales": true, "enableAnnualPassportSales": false})"),
+      directory.write("deep.json", R"({"enableRideslot": )" + std::string(200, '[') + std::string(200, ']') + "}"),
+      "/dev/zero",
   };
   for (const auto& file : unusable) {
     const auto loaded = JsonRemoteConfiguration::load(file);

@@ -19,7 +19,8 @@ namespace varnel::standalone {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::AllOf, ::testing::HasSubstr, ::testing::Pointee;
+using ::testing::AllOf, ::testing::ElementsAre, ::testing::HasSubstr, ::testing::IsEmpty, ::testing::Optional,
+    ::testing::Pair, ::testing::Pointee;
 
 /// Runs `work` in a child process whose exit status is what `work` returns.
 pid_t spawn(const std::function<int()>& work) {
@@ -87,8 +88,6 @@ TEST_F(SqliteUserDefaultsTest, ForeignOrDamagedFilesAreRefusedAndLeftUntouched) 
   const std::pair<const char*, std::function<void()>> cases[] = {
       {"not a user-defaults store", [&] { directory.write(path.filename(), "settings: not a database\n"); }},
       {"another program", [&] { fs::remove(path); runSql("CREATE TABLE notes (body TEXT)"); }},
-      {"cannot read, under key \"key7\"",
-       [&] { soundStore(); runSql("UPDATE defaults SET value = '{\"bool\":1}' WHERE key = 'key7'"); }},
       {"schema version 2", [&] { soundStore(); runSql("PRAGMA user_version = 2"); }},
       {"damaged", [&] {
          soundStore();  // then a stretch of its third page overwritten
@@ -158,15 +157,43 @@ TEST_F(SqliteUserDefaultsTest, TwoProcessesWritingAtOnceLoseNothing) {
   }
 }
 
-TEST_F(SqliteUserDefaultsTest, AWriteRefusedWhileAnotherProcessHoldsTheStoreIsKeptAndRetried) {
+TEST_F(SqliteUserDefaultsTest, AValueThatCannotBeReadIsReportedByItsKeyAndCanBeRemoved) {
+  openStore()->setBool("kept", true);
+  runSql("INSERT INTO defaults (key, value) VALUES ('deep', '" + std::string(100'000, '[') +
+         std::string(100'000, ']') + "'), ('foreign', '{\"bool\":1}')");
+  auto store = openStore();
+  ASSERT_TRUE(store) << "a value that cannot be read leaves the store usable";
+  EXPECT_EQ(store->objectForKey("deep"), std::nullopt);
+  EXPECT_EQ(store->dictionaryRepresentation(), (DefaultsDictionary{{"kept", DefaultsValue(true)}}));
+  EXPECT_THAT(store->contents().unreadable,
+              ElementsAre(Pair("deep", "nested deeper than 128 levels"),
+                          Pair("foreign", "not a value this store wrote")));
+  store->removeObjectForKey("deep");
+  store->removeObjectForKey("foreign");
+  EXPECT_TRUE(store->synchronize());
+  EXPECT_THAT(openStore()->contents().unreadable, IsEmpty());
+
+  // Nothing is written that could not be read back.
+  DefaultsValue deep(1);
+  for (int level = 0; level < 100; ++level) deep = DefaultsValue(DefaultsArray{deep});
+  store->setObject("deep", deep);
+  EXPECT_FALSE(store->synchronize());
+  EXPECT_THAT(store->writeFailure(), Optional(HasSubstr("too deeply")));
+  EXPECT_EQ(store->objectForKey("deep"), std::nullopt);
+}
+
+TEST_F(SqliteUserDefaultsTest, AStoreAnotherProcessHoldsIsRefusedWithTheReasonAndALaterWriteIsKeptAndRetried) {
   ASSERT_TRUE(openStore());
+  // Opened before the other process takes the store; its writes do not wait for the lock.
+  auto opened = SqliteUserDefaults::open(path, std::chrono::milliseconds(0));
+  ASSERT_TRUE(opened.ok());
   int locked[2], release[2];
   ASSERT_EQ(pipe(locked), 0);
   ASSERT_EQ(pipe(release), 0);
   const pid_t holder = spawn([&] {
     sqlite3* database = nullptr;
     if (sqlite3_open(path.c_str(), &database) != SQLITE_OK) return 4;
-    const bool held = sqlite3_exec(database, "BEGIN IMMEDIATE; INSERT INTO defaults (key, value) VALUES "
+    const bool held = sqlite3_exec(database, "BEGIN EXCLUSIVE; INSERT INTO defaults (key, value) VALUES "
                                              "('fromTheOtherProcess', '1')", nullptr, nullptr, nullptr) == SQLITE_OK;
     char go;
     if (!held || write(locked[1], "\n", 1) != 1 || read(release[0], &go, 1) != 1) return 5;
@@ -179,17 +206,22 @@ TEST_F(SqliteUserDefaultsTest, AWriteRefusedWhileAnotherProcessHoldsTheStoreIsKe
   char line;
   ASSERT_EQ(read(locked[0], &line, 1), 1) << "the other process could not lock the store";
   {
-    // A writer that does not wait for the lock keeps what it could not write.
-    auto opened = SqliteUserDefaults::open(path, std::chrono::milliseconds(0));
-    ASSERT_TRUE(opened.ok());
+    const auto refused = SqliteUserDefaults::open(path, std::chrono::milliseconds(100));
+    ASSERT_FALSE(refused.ok());
+    EXPECT_THAT(jsonString(refused.error().userInfo, kErrorLocalizedDescriptionKey),
+                Pointee(path.string() + " is locked by another process"));
+    // The writer opened earlier keeps what it could not write.
     auto& store = *opened.value();
     store.setInteger("counter", 7);
     store.removeObjectForKey("fromTheOtherProcess");
     EXPECT_EQ(store.objectForKey("counter"), DefaultsValue(7)) << "reads see the kept write";
     EXPECT_FALSE(store.synchronize()) << "still locked";
+    EXPECT_THAT(store.writeFailure(), Optional(HasSubstr("locked by another process")));
     ASSERT_EQ(write(release[1], "\n", 1), 1);
     EXPECT_EQ(waitFor(holder), 0);
     EXPECT_TRUE(store.synchronize()) << "retried once the lock was released";
+    EXPECT_EQ(store.writeFailure(), std::nullopt);
+    opened.value().reset();
   }
   close(locked[0]);
   close(release[1]);

@@ -7,7 +7,6 @@ namespace varnel::mock {
 namespace {
 
 constexpr std::size_t kJournalLimit = 10'000;
-constexpr int kBodyDepthLimit = 64;
 
 }  // namespace
 
@@ -23,29 +22,6 @@ std::vector<std::string> pathSegments(std::string_view path) {
     path = slash == std::string_view::npos ? std::string_view{} : path.substr(slash);
   }
   return parts;
-}
-
-namespace {
-
-// Whether the text's brackets nest no deeper than `limit` (strings skipped).
-bool nestsWithin(const std::string& text, int limit) {
-  int depth = 0;
-  bool inString = false;
-  bool escaped = false;
-  for (char c : text) {
-    if (inString) {
-      if (escaped) escaped = false;
-      else if (c == '\\') escaped = true;
-      else if (c == '"') inString = false;
-    } else if (c == '"') {
-      inString = true;
-    } else if (c == '[' || c == '{') {
-      if (++depth > limit) return false;
-    } else if (c == ']' || c == '}') {
-      --depth;
-    }
-  }
-  return true;
 }
 
 Json fieldsObject(const Fields& fields) {
@@ -110,10 +86,8 @@ Reply jsonReply(int status, const Json& body) {
 }
 
 std::optional<Json> parseBody(const std::string& body) {
-  if (body.empty() || !nestsWithin(body, kBodyDepthLimit)) return std::nullopt;
-  Json parsed = Json::parse(body, nullptr, false);
-  if (parsed.is_discarded()) return std::nullopt;
-  return parsed;
+  if (body.empty()) return std::nullopt;
+  return parseJson(body).value;
 }
 
 CommerceService::CommerceService(MockCommerceOptions options)

@@ -125,7 +125,8 @@ class CommerceService {
 
 /// A reply with a JSON body.
 Reply jsonReply(int status, const Json& body);
-/// The parsed body; none when it is empty, not JSON, or nested too deep.
+/// The parsed body; none when it is empty or not JSON within the JSON limits
+/// (varnel/platform/Json.h: size, nesting).
 std::optional<Json> parseBody(const std::string& body);
 
 }  // namespace varnel::mock

@@ -33,11 +33,11 @@ struct ParseOptions {
 
 /// The answer as a JSON object, or a usage error saying why it is not one.
 Json readAnswer(const std::string& file) {
-  const std::string name = file.empty() || file == "-" ? "standard input" : file;
-  Json answer = Json::parse(readInput(file), nullptr, false);
-  if (answer.is_discarded()) throw UsageError(name + " does not hold JSON");
-  if (!answer.is_object()) throw UsageError(name + " holds JSON but not an object");
-  return answer;
+  const std::string name = file == "-" ? "standard input" : file;
+  JsonParse answer = parseJson(readInput(file));
+  if (!answer) throw UsageError(name + " does not hold usable JSON: " + answer.refusal);
+  if (!answer.value->is_object()) throw UsageError(name + " holds JSON but not an object");
+  return std::move(*answer.value);
 }
 
 std::string dumpJson(const Json& value) { return value.dump(2, ' ', false, Json::error_handler_t::replace); }

@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "commands/ErrorReport.h"
 #include "commands/RenewalOutput.h"
 #include "varnel/errors/ErrorMapping.h"
@@ -24,12 +25,15 @@ namespace varnel::cli {
 
 void addCommerceOptions(CLI::App& command, CommerceOptions& options) {
   command.add_option("--server", options.server,
-                     "Base URL of the commerce server (default: a mock commerce server started for this command)");
+                     "Base URL of the commerce server (default: a mock commerce server started for this command)")
+      ->transform(serverUrl());
   command.add_option("--guest", options.guestFile,
-                     "Guest data file (default: the sample guest, resources/guests/sample-guest.json)");
+                     "Guest data file (default: the sample guest, resources/guests/sample-guest.json)")
+      ->check(guestFile());
   command.add_option("--defaults", options.defaultsPath,
                      "User-defaults store (default: $VARNEL_DEFAULTS, else ~/.config/varnel/defaults.sqlite3)");
-  command.add_option("--park", options.park, "Resort value of the park context (1 west, 2 east; default 2)");
+  command.add_option("--park", options.park, "Resort value of the park context (1 west, 2 east; default 2)")
+      ->check(commercePark());
   command.add_option("--ca-file", options.caFile, "PEM file of a CA trusted besides the system's (HTTPS servers)")
       ->check(CLI::ExistingFile);
   command.add_flag("--json", options.json, "Print JSON");

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "varnel/errors/APErrorMessage.h"
 #include "varnel/errors/VNLPhoneUtility.h"
 
@@ -33,7 +34,7 @@ KTVCResortChoice parsePark(const std::string& text) {
   const char* end = text.data() + text.size();
   const auto [stop, status] = std::from_chars(text.data(), end, park);
   if (text.empty() || status != std::errc() || stop != end) {
-    throw UsageError("--park must be an integer resort value (1 west, 2 east), not \"" + text + "\"");
+    throw UsageError("--park must be an integer resort value (1 west, 2 east), not " + echoed(text));
   }
   return park;
 }

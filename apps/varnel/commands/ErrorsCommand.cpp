@@ -5,13 +5,13 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "commands/ErrorReport.h"
 #include "varnel/errors/ErrorConstants.h"
 #include "varnel/errors/ErrorMapping.h"
@@ -35,19 +35,15 @@ struct ListOptions {
 
 void explain(const ExplainOptions& options) {
   const KTVCResortChoice park = parsePark(options.park);
-  std::error_code ignored;
-  if (std::filesystem::is_directory(options.file, ignored))
-    throw UsageError("cannot read " + options.file + ": a directory");
-  const std::string input = readInput(options.file);
-  Json body = Json::parse(input, nullptr, /*allow_exceptions=*/false);
-  if (body.is_discarded()) {
+  JsonParse body = parseJson(readInput(options.file));
+  if (!body) {
     throw UsageError("the error body in " + (options.file == "-" ? std::string("standard input") : options.file) +
-                     " is not JSON");
+                     " is not usable: " + body.refusal);
   }
 
   // The platform error as the service layer hands it over for a failed request.
   const Error failure{std::string(ErrorConstants::errorDomain), 0,
-                      Json{{kErrorJsonResponseKey, std::move(body)}, {kErrorIsConnectionErrorKey, options.connection}}};
+                      Json{{kErrorJsonResponseKey, std::move(*body.value)}, {kErrorIsConnectionErrorKey, options.connection}}};
   const std::optional<APError> error =
       options.service == "booking" ? APBookingServiceError(failure) : APEvasError(failure);
 
@@ -99,15 +95,17 @@ void registerErrorsCommand(CLI::App& app) {
   explainCommand->add_option("--service", explainOptions->service, "Service that answered: booking or evas")
       ->required()
       ->check(CLI::IsMember({"booking", "evas"}));
-  explainCommand->add_option("--park", explainOptions->park, "Resort value of the park context (1 west, 2 east)")
-      ->required();
+  explainCommand->add_option("--park", explainOptions->park, "Resort value of the park context (1 west, 2 east, 7)")
+      ->required()
+      ->check(messagePark());
   explainCommand->add_flag("--connection", explainOptions->connection, "The request failed in transport");
   explainCommand->add_flag("--json", explainOptions->json, "Print one JSON object");
   explainCommand->callback([explainOptions] { explain(*explainOptions); });
 
   auto listOptions = std::make_shared<ListOptions>();
   CLI::App* listCommand = errors->add_subcommand("list", "Every commerce error with its kind and guest message");
-  listCommand->add_option("--park", listOptions->park, "Resort value of the park context (default 2, east)");
+  listCommand->add_option("--park", listOptions->park, "Resort value of the park context (default 2, east)")
+      ->check(messagePark());
   listCommand->add_flag("--json", listOptions->json, "Print a JSON array");
   listCommand->callback([listOptions] { list(*listOptions); });
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/entitlements/VNLEntitlementParkTicket.h"
 #include "varnel/entitlements/VNLEntitlementTheaterTicket.h"
@@ -19,7 +20,8 @@ namespace varnel::cli {
 
 void addGuestOptions(CLI::App& command, GuestOptions& options) {
   auto* guest = command.add_option("--guest", options.guestFile,
-                                   "Guest data file (default: the sample guest, resources/guests/sample-guest.json)");
+                                   "Guest data file (default: the sample guest, resources/guests/sample-guest.json)")
+                    ->check(guestFile());
   command.add_flag("--mock", options.mock, "Use the module's fixed mock entitlements instead of a guest")
       ->excludes(guest);
   command.add_flag("--json", options.json, "Print JSON");

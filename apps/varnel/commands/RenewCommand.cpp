@@ -16,6 +16,7 @@
 #include <memory>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "commands/CommerceSession.h"
 #include "commands/OrderText.h"
 #include "commands/RenewalOutput.h"
@@ -147,7 +148,7 @@ void registerRenewCommand(CLI::App& app) {
   command->add_option("--pass", options->pass,
                       "Product instance ID of the pass to renew (default: the first renewable now)");
   command->add_option("--card", options->card, "Reference of the stored card to pay with (default: the first)");
-  command->add_option("--cvv", options->cvv, "The card's security code");
+  command->add_option("--cvv", options->cvv, "The card's security code")->check(securityCode());
   command->add_option("--plan", options->plan, "Payment plan: full (default) or monthly")
       ->check(CLI::IsMember({"full", "monthly"}));
   command->add_flag("--accept-terms", options->acceptTerms, "The guest accepts the terms and conditions");

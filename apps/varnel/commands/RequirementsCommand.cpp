@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "varnel/host/Registry.h"
 #include "varnel/requirements/BusinessRequirementStateMachine.h"
 #include "varnel/requirements/VNLBusinessRequirementUtil.h"
@@ -56,17 +57,17 @@ struct LocalOverride {
 
 LocalOverride parseLocal(const std::string& text) {
   const auto equals = text.find('=');
-  if (equals == std::string::npos) throw UsageError("--local expects KEY=true|false, not \"" + text + "\"");
+  if (equals == std::string::npos) throw UsageError("--local expects KEY=true|false, not " + echoed(text));
   const std::string key = text.substr(0, equals);
   const std::string value = text.substr(equals + 1);
   const auto setter = localSetters().find(key);
   if (setter == localSetters().end()) {
     std::string known;
     for (const auto& entry : localSetters()) known += (known.empty() ? "" : ", ") + entry.first;
-    throw UsageError("unknown business-requirement key \"" + key + "\"; known keys: " + known);
+    throw UsageError("unknown business-requirement key " + echoed(key) + "; known keys: " + known);
   }
   if (value != "true" && value != "false") {
-    throw UsageError("the value of " + key + " must be true or false, not \"" + value + "\"");
+    throw UsageError("the value of " + key + " must be true or false, not " + echoed(value));
   }
   return {setter->second, value == "true"};
 }

@@ -9,7 +9,9 @@
 //   varnel settings [--defaults PATH] current [--json]
 //
 // The store is PATH, else $VARNEL_DEFAULTS, else the per-user default. A store
-// that cannot be read is reported and left as it is.
+// that cannot be used is reported with its path and the reason, and left as it
+// is. A value that cannot be read is reported with its key; `unset KEY`
+// removes it.
 
 #include <fmt/format.h>
 
@@ -24,6 +26,7 @@
 #include <string>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "varnel/host/Registry.h"
 #include "varnel/settings/VNLCommerceSettings.h"
 #include "varnel/standalone/SqliteUserDefaults.h"
@@ -59,7 +62,14 @@ std::shared_ptr<SqliteUserDefaults> openStore(const SettingsOptions& options) {
 }
 
 void requireWritten(SqliteUserDefaults& store) {
-  if (!store.synchronize()) throw UsageError("could not write the settings to " + store.path().string());
+  if (store.synchronize()) return;
+  const auto failure = store.writeFailure();
+  throw UsageError("could not write the settings to " + store.path().string() + (failure ? ": " + *failure : ""));
+}
+
+std::string unreadable(const SqliteUserDefaults& store, const std::string& key, const std::string& problem) {
+  return "the value under " + echoed(key) + " in " + store.path().string() + " cannot be read (" + problem +
+         "); `varnel settings unset " + key + "` removes it";
 }
 
 std::string display(const DefaultsValue& value) {
@@ -109,21 +119,23 @@ bool fromPlainJson(const Json& json, DefaultsValue& out, bool insideArray) {
 }
 
 DefaultsValue parseJsonValue(const std::string& text) {
-  const Json json = Json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (json.is_discarded()) throw UsageError("\"" + text + "\" is not valid JSON");
+  const JsonParse parsed = parseJson(text);
+  if (!parsed) throw UsageError(echoed(text) + " is " + parsed.refusal);
+  const Json& json = *parsed.value;
   if (!json.is_object() && !json.is_array()) throw UsageError("a json value is an object or an array");
   DefaultsValue value;
   if (!fromPlainJson(json, value, false)) {
-    throw UsageError("the settings store cannot hold \"" + text + "\" (null outside an array, or a number too large)");
+    throw UsageError("the settings store cannot hold " + echoed(text) +
+                     " (null outside an array, or a number too large)");
   }
   return value;
 }
 
 DefaultsValue parseValue(const std::string& text, const std::string& type) {
-  const auto invalid = [&] { return UsageError("\"" + text + "\" is not a valid " + type); };
+  const auto invalid = [&] { return UsageError(echoed(text) + " is not a valid " + type); };
   const char* end = text.data() + text.size();
   if (type == "bool") {
-    if (text != "true" && text != "false") throw UsageError("a bool is true or false, not \"" + text + "\"");
+    if (text != "true" && text != "false") throw UsageError("a bool is true or false, not " + echoed(text));
     return DefaultsValue(text == "true");
   }
   if (type == "int") {
@@ -146,22 +158,32 @@ DefaultsValue parseValue(const std::string& text, const std::string& type) {
 }
 
 void list(const SettingsOptions& options) {
-  const auto stored = openStore(options)->dictionaryRepresentation();
+  const auto store = openStore(options);
+  const auto [stored, unreadableValues] = store->contents();
+  for (const auto& [key, problem] : unreadableValues) {
+    std::cerr << "varnel: " << unreadable(*store, key, problem) << '\n';
+  }
   if (options.json) {
     OrderedJson all = OrderedJson::object();
     for (const auto& [key, value] : stored) all[key] = toDisplayJson(value);
     std::cout << all.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     return;
   }
-  if (stored.empty()) std::cout << "No settings are stored.\n";
+  if (stored.empty() && unreadableValues.empty()) std::cout << "No settings are stored.\n";
   std::size_t width = 0;
   for (const auto& entry : stored) width = std::max(width, entry.first.size());
   for (const auto& [key, value] : stored) std::cout << fmt::format("{:<{}}  {}\n", key, width, display(value));
 }
 
 void get(const SettingsOptions& options) {
-  const auto value = openStore(options)->objectForKey(options.key);
-  if (!value) throw UsageError("no value is stored under \"" + options.key + "\"");
+  const auto store = openStore(options);
+  const auto contents = store->contents();
+  if (auto problem = contents.unreadable.find(options.key); problem != contents.unreadable.end()) {
+    throw UsageError(unreadable(*store, options.key, problem->second));
+  }
+  const auto found = contents.values.find(options.key);
+  if (found == contents.values.end()) throw UsageError("no value is stored under " + echoed(options.key));
+  const DefaultsValue* value = &found->second;
   std::cout << (options.json ? toDisplayJson(*value).dump(2, ' ', false, Json::error_handler_t::replace)
                              : display(*value))
             << '\n';
@@ -184,7 +206,7 @@ void preset(const SettingsOptions& options) {
   // Checked before the store is opened, so a wrong name changes nothing.
   const auto configuration = configurationFromRawValue(options.preset);
   if (!configuration) {
-    throw UsageError("unknown configuration \"" + options.preset + "\"; valid names: " + validConfigurationNames());
+    throw UsageError("unknown configuration " + echoed(options.preset) + "; valid names: " + validConfigurationNames());
   }
   const auto store = openStore(options);
   VNLCommerceSettings::setDefaultsFor(*configuration);
@@ -235,7 +257,8 @@ void registerSettingsCommand(CLI::App& app) {
 
   CLI::App* setCommand = command("set", "Store a value under a key", &set);
   setCommand->add_option("key", options->key, "User-defaults key")->required();
-  setCommand->add_option("value", options->value, "The value (true/false are booleans unless --type says otherwise)")
+  allowEmpty(setCommand->add_option("value", options->value,
+                                    "The value (true/false are booleans unless --type says otherwise)"))
       ->required();
   setCommand->add_option("--type", options->type,
                          "Kind of the value: bool, int, double, string, or json (an object or array)")

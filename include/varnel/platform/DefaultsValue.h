@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -54,7 +56,23 @@ Json toDisplayJson(const DefaultsValue& value);
 Json encodeDefaultsValue(const DefaultsValue& value);
 bool decodeDefaultsValue(const Json& encoded, DefaultsValue& out);
 
-/// Dates in RFC 3339, UTC with a "Z" (2027-11-22T05:35:00Z).
+/// The encoding as the text a store keeps, or none when it would not read
+/// back as the same value: a number that is not finite, a string that is not
+/// UTF-8, or a nesting beyond the JSON limits (each array or dictionary level
+/// takes two levels of the encoding, so about 63 levels fit).
+std::optional<std::string> defaultsValueText(const DefaultsValue& value);
+
+/// A stored text read back within the JSON limits (varnel/platform/Json.h),
+/// or why it cannot be ("nested deeper than 128 levels", "not a value this
+/// store wrote").
+struct DefaultsValueParse {
+  std::optional<DefaultsValue> value;
+  std::string problem;
+};
+DefaultsValueParse parseDefaultsValueText(std::string_view text);
+
+/// Dates in RFC 3339, UTC with a "Z" (2027-11-22T05:35:00Z); a date outside
+/// the years 1 to 9999 as its seconds since 1970.
 std::string rfc3339(const Date& date);
 
 }  // namespace varnel

@@ -28,6 +28,8 @@ class UserDefaults {
   // Typed reads, as the platform coerces them.
   /// A boolean, a non-zero number, or the text "YES"/"true"/"1" (any case) is true.
   bool boolForKey(std::string_view key) const;
+  /// A double is cut to a whole number; beyond the range of one it reads as
+  /// the nearest end of the range.
   std::int64_t integerForKey(std::string_view key) const;
   double doubleForKey(std::string_view key) const;
   /// A string as it is, a number as its text; otherwise none.

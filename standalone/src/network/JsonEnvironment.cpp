@@ -25,8 +25,9 @@ JsonEnvironment::JsonEnvironment(std::map<std::string, std::string, std::less<>>
 
 Result<std::shared_ptr<JsonEnvironment>> JsonEnvironment::parse(const std::string& text,
                                                                 const std::optional<std::string>& server) {
-  const Json document = Json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (document.is_discarded()) return environmentError(2, "the environment is not valid JSON");
+  const JsonParse parsed = parseJson(text);
+  if (!parsed) return environmentError(2, "the environment is not usable JSON: " + parsed.refusal);
+  const Json& document = *parsed.value;
   const Json* endpoints = jsonMember(document, "endpoints");
   if (!endpoints || !endpoints->is_object()) return environmentError(2, "the environment has no \"endpoints\" object");
   std::string base = server.value_or("");

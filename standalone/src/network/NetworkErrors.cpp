@@ -48,9 +48,7 @@ Error badURLError(const std::string& reason) {
 
 std::optional<Json> decodeJsonBody(const std::string& body) {
   if (body.empty()) return std::nullopt;
-  Json json = Json::parse(body, nullptr, /*allow_exceptions=*/false);
-  if (json.is_discarded()) return std::nullopt;
-  return json;
+  return parseJson(body).value;
 }
 
 }  // namespace varnel::standalone

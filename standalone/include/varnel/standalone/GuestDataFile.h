@@ -45,8 +45,12 @@
 // "theaterTickets" are kept as raw JSON objects: theater tickets are made only
 // from JSON, so the file carries the very dictionaries a ticket is built from.
 //
-// Unknown keys are rejected so that a misspelt field is noticed rather than
-// silently dropped. Reading never throws: every failure is an Error.
+// Unknown keys, and keys named twice in one object, are rejected so that a
+// misspelt or repeated field is noticed rather than silently dropped. The file
+// is read as the tools read every input file (a regular file of at most
+// 16 MiB, varnel/standalone/InputFile.h) and parsed within the JSON limits
+// (nesting at most 128 levels, varnel/platform/Json.h). Reading never throws:
+// every failure is an Error.
 
 #include <cstdint>
 #include <filesystem>
@@ -67,7 +71,7 @@ namespace varnel::standalone {
 inline constexpr const char* kGuestDataErrorDomain = "Varnel.GuestDataFile";
 
 enum class GuestDataErrorCode : long {
-  /// The file could not be opened or read.
+  /// The file could not be opened or read: missing, not a regular file, too large.
   unreadable = 1,
   /// The text is not JSON, or not in the format above.
   malformed = 2,

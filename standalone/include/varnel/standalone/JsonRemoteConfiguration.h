@@ -5,6 +5,8 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "varnel/host/KTVRRemoteConfiguration.h"
 #include "varnel/platform/Result.h"
@@ -20,9 +22,14 @@ class JsonRemoteConfiguration final : public KTVRRemoteConfiguration {
   /// `values` must be an object; anything else configures nothing.
   explicit JsonRemoteConfiguration(Json values);
 
-  /// Reads the object from `path`. A missing or unreadable file, text that is
-  /// not JSON, or JSON that is not an object is an error.
+  /// Reads the object from `path`, an input file of the tools (InputFile.h).
+  /// A missing or unusable file, text that is not JSON within the JSON limits
+  /// (Json.h), a key named twice, or JSON that is not an object is an error.
   static Result<std::shared_ptr<JsonRemoteConfiguration>> load(const std::filesystem::path& path);
+
+  /// The same from the text itself; `origin` names it in errors.
+  static Result<std::shared_ptr<JsonRemoteConfiguration>> parse(std::string_view text,
+                                                                const std::string& origin = "text");
 
   std::optional<Json> configurationValueByKey(std::string_view key) const override;
 

@@ -11,8 +11,15 @@
 // process, and retried by synchronize(), which answers whether everything is
 // on disk.
 //
-// A file that is not such a store (not a database, damaged, another schema,
-// a value this store cannot decode) is refused by open() and left as it is.
+// A file that cannot be used as such a store is refused by open() and left as
+// it is: not a database, damaged, another schema, read-only, or locked by
+// another process for longer than the busy timeout. The error's message names
+// the file and the reason.
+//
+// A value that cannot be read (another program's encoding, nesting deeper than
+// the JSON limits allow, varnel/platform/Json.h) does not make the store
+// unusable: reads answer its key as absent and log a line naming the key,
+// contents() lists it, and removeObjectForKey() deletes it.
 
 #include <chrono>
 #include <filesystem>
@@ -38,9 +45,10 @@ inline constexpr const char* kDefaultsPathEnvironmentVariable = "VARNEL_DEFAULTS
 
 class SqliteUserDefaults final : public UserDefaults {
  public:
-  /// How long a write waits for another process to release the file before
-  /// it is kept for synchronize() to retry.
-  static constexpr std::chrono::milliseconds kDefaultBusyTimeout{10000};
+  /// How long open() and a write wait for another process to release the
+  /// file: open() then refuses the store, a write is kept for synchronize()
+  /// to retry.
+  static constexpr std::chrono::milliseconds kDefaultBusyTimeout{3000};
 
   /// Opens the store at `path`, creating the file (and its folder) when it
   /// does not exist yet.
@@ -67,10 +75,25 @@ class SqliteUserDefaults final : public UserDefaults {
   std::optional<DefaultsValue> objectForKey(std::string_view key) const override;
   void setObject(std::string_view key, DefaultsValue value) override;
   void removeObjectForKey(std::string_view key) override;
+  /// Every readable value; a line is logged for each value that is not.
   std::map<std::string, DefaultsValue, std::less<>> dictionaryRepresentation() const override;
+
+  /// What the store holds: the values, and apart from them every key whose
+  /// value cannot be read, with the reason. Logs nothing.
+  struct Contents {
+    std::map<std::string, DefaultsValue, std::less<>> values;
+    std::map<std::string, std::string, std::less<>> unreadable;
+  };
+  Contents contents() const;
+
   /// Retries the writes that have not reached the file; true when every
   /// write so far is on disk. Costs nothing when all of them are.
   bool synchronize() override;
+
+  /// Why the last write that did not reach the file failed ("cannot write
+  /// \"KEY\" to PATH: locked by another process", a refused value); none
+  /// once synchronize() has answered true.
+  std::optional<std::string> writeFailure() const;
 
   const std::filesystem::path& path() const { return path_; }
 
@@ -89,6 +112,7 @@ class SqliteUserDefaults final : public UserDefaults {
   std::map<std::string, std::optional<DefaultsValue>, std::less<>> unsaved_;
   /// A value was refused because it cannot be stored (not finite, not UTF-8).
   bool refusedSinceSynchronize_ = false;
+  std::string writeFailure_;
 };
 
 }  // namespace varnel::standalone
