@@ -265,8 +265,10 @@ TEST_F(CommerceRequestsTest, ContractRequestCarriesServiceHeadersAuthorizationAn
   monthlyContractRequest(service, "ORD-9", Json{{"amount", "0"}}, onSuccess(), onFailure());
   defaults->setBool("VarnelENV2HeaderKey", true);
   monthlyContractRequest(service, "ORD-9", Json{{"bad", "\xFF"}}, onSuccess(), onFailure());
+  defaults->setBool("VarnelENV2HeaderKey", false);
+  monthlyContractRequest(service, "ORD-9", Json{{"amount", "0"}}, onSuccess(), onFailure());
 
-  ASSERT_EQ(session->tasks.size(), 2u);
+  ASSERT_EQ(session->tasks.size(), 3u);
   const URLRequest& plain = session->tasks[0]->request;
   EXPECT_TRUE(session->tasks[0]->resumed);
   EXPECT_EQ(plain.url, "https://svc.varnel.invalid/orders/ORD-9/contract");
@@ -281,6 +283,8 @@ TEST_F(CommerceRequestsTest, ContractRequestCarriesServiceHeadersAuthorizationAn
   EXPECT_EQ(env2.valueForHTTPHeaderField("X-Orvane-Internal-Panlook-Env"), "env2");
   EXPECT_EQ(env2.allHTTPHeaderFields.size(), 7u);
   EXPECT_THAT(createOrderOverriddenHeaders(), IsEmpty()) << "the contract writes no table";
+  // Switched off, the next contract asks again and carries none of them.
+  EXPECT_EQ(session->tasks[2]->request.allHTTPHeaderFields, plain.allHTTPHeaderFields);
   EXPECT_EQ(outcome.successes + outcome.failures, 0);
 }
 
