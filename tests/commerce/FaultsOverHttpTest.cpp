@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "commerce/CommerceOverHttpSupport.h"
+#include "support/CommerceOverHttp.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/mock/MockFault.h"
 #include "varnel/standalone/network/NetworkErrors.h"

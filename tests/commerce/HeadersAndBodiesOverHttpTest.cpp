@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include "commerce/CommerceOverHttpSupport.h"
+#include "support/CommerceOverHttp.h"
 #include "standalone/TemporaryDirectory.h"
 #include "support/TestCertificates.h"
 #include "varnel/entitlements/VNLVarnel.h"
