@@ -112,18 +112,6 @@ TEST_F(PurchaseHandlerTest, SendsTheBodyToTheOrdersCheckout) {
   EXPECT_TRUE(handler->isProcessingTransaction());
 }
 
-TEST_F(PurchaseHandlerTest, OneCheckoutAtATime) {
-  begin();
-  for (int i = 0; i < 3; ++i) handler->beginPurchaseTransaction("ORD-2", testAccount(), testOrder(true));
-  EXPECT_EQ(service->calls.size(), 1u);
-  // Once answered, the next checkout goes out.
-  service->calls[0].failure(Error{"Host.Network", 7, Json::object()});
-  handler->beginPurchaseTransaction("ORD-2", testAccount(), testOrder(true));
-  EXPECT_EQ(service->calls.size(), 2u);
-  EXPECT_EQ(delegate->failures().size(), 1u);
-  EXPECT_EQ(delegate->completions(), 0);
-}
-
 TEST_F(PurchaseHandlerTest, WithoutAServiceNothingIsSentEver) {
   host::Registry::set<KTVRPrivateDataService>(nullptr);
   begin();

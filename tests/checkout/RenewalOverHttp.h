@@ -1,66 +1,57 @@
 #pragma once
-// A renewal sent for real: a mock commerce server on a free loopback port
-// serving the sample household, the stand-alone networking pointed at it
-// (quick retries, short timeout), and the steps a host takes before the
-// checkout: an order, the stored cards.
+// A renewal sent for real over the shared loopback fixture, with the steps a
+// host takes before the checkout: an order parsed as the host reads it, and a
+// stored card with the security code the guest entered.
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "checkout/CheckoutTestSupport.h"
-#include "mockcommerce/MockCommerceTestSupport.h"
-#include "varnel/host/KTVCParkResortContext.h"
-#include "varnel/mock/MockCommerceServer.h"
-#include "varnel/standalone/GuestDataFile.h"
-#include "varnel/standalone/network/StandaloneNetworking.h"
+#include "support/CommerceOverHttp.h"
+#include "varnel/services/VNLParseCreateOrderResponse.h"
+#include "varnel/services/VNLParsePaymentAccounts.h"
 
 namespace varnel::testing {
 
-/// The sample household's pass that renews now, with a monthly plan or in full.
-inline constexpr const char* kRenewablePass = "AP-100201";
+inline constexpr const char* kRenewablePass = kSamplePass;
 
-class RenewalOverHttpTest : public HostFixture {
+class RenewalOverHttpTest : public CommerceOverHttpTest {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  void SetUp() override {
+    CommerceOverHttpTest::SetUp();
+    host::Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(household.email));
+  }
 
-  /// Stops what runs and serves the household afresh (nothing charged, no
-  /// faults), with the networking pointed at the new server.
-  void restart();
-  void stop();
-
-  /// Calls `send` with callbacks that record the answer, then waits until
-  /// every callback that will ever run has run; none when neither ran.
-  struct Answer {
-    bool succeeded = false;
-    std::optional<Json> value;
-    std::optional<Error> error;
-  };
-  std::optional<Answer> run(const std::function<void(KTVRPrivateDataService&, KTVRSuccessBlock, KTVRFailureBlock)>& send);
-
-  /// Waits until the networking has nothing in flight and its worker has run
-  /// what was posted before.
-  void settle();
+  /// Serves the household afresh: nothing charged, no faults.
+  void restart() { start(household, household.kuid); }
 
   /// A renewal order of kRenewablePass, its plan set by the caller as a host does.
-  RenewalOrder placeOrder(bool monthlyPlan);
+  RenewalOrder placeOrder(bool monthlyPlan) {
+    const Outcome answer = createOrder(monthlyPlan);
+    EXPECT_TRUE(answer.onlySucceeded() && answer.value) << "the mock refused the order";
+    if (!answer.value) return {};
+    RenewalOrder order = VNLParseCreateOrderResponse().parseCreateOrder(*answer.value);
+    order.paymentPlan = monthlyPlan;
+    return order;
+  }
+
   /// The stored card with this reference, with `securityCode` entered.
-  PaymentAccount storedCard(const std::string& reference, const std::string& securityCode = "");
-
-  /// Journalled requests to one endpoint key.
-  std::vector<Json> requestsTo(std::string_view endpoint) const;
-  int chargesOf(const std::string& orderId) const;
-
-  standalone::GuestData household;
-  std::unique_ptr<mock::MockCommerceServer> server;
-  standalone::StandaloneNetworking networking;
-  KTVCParkResortContext park{kResortChoiceEast};
+  PaymentAccount storedCard(const std::string& reference, const std::string& securityCode = "") {
+    const Outcome answer = accounts();
+    EXPECT_TRUE(answer.onlySucceeded());
+    for (const PaymentAccount& account : VNLParsePaymentAccounts().parsePaymentAccounts(answer.value.value_or(Json()))) {
+      const CreditCard& card = account.creditCard();
+      if (card.retrievalReferenceNumber() != reference) continue;
+      return PaymentAccount(account.guestDetails(),
+                            CreditCard(card.isActive(), card.chargingPrivileges(), card.cardNumber(),
+                                       card.expirationDate(), card.expirationMonth(), card.expirationYear(),
+                                       card.paymentMethod(), card.paymentMethodType(), card.retrievalReferenceNumber(),
+                                       card.retrievalReferenceKey(), securityCode, card.isScanned()),
+                            account.cardHolderAddress());
+    }
+    ADD_FAILURE() << "no stored card " << reference;
+    return testAccount();
+  }
 };
-
-using mock::testing::headerOf;
 
 }  // namespace varnel::testing

@@ -1,13 +1,12 @@
 // Every scripted fault of the mock commerce service on each of the four
 // requests, over loopback HTTP: which callback runs (or none), with which
-// error, what the module logs, and what a checkout charged. Nobody signed in
-// sends nothing at all.
+// error, what the module logs, and what a checkout charged.
 
 #include <algorithm>
 
 #include <gmock/gmock.h>
 
-#include "commerce/CommerceOverHttpSupport.h"
+#include "support/CommerceOverHttp.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/mock/MockFault.h"
 #include "varnel/standalone/network/NetworkErrors.h"
@@ -187,28 +186,12 @@ TEST_F(FaultsOverHttpTest, EachFaultReachesTheCallbackTheRequestPromises) {
   }
 }
 
-TEST_F(FaultsOverHttpTest, NobodySignedInSendsNothingAndCallsNothing) {
-  start(sampleGuest(), std::nullopt);
-  const Outcome cards = accounts();
-  const Outcome paid = checkout("ORD000001");
-  EXPECT_TRUE(cards.silent());
-  EXPECT_TRUE(paid.silent());
-  EXPECT_EQ(log->count("Please, login first"), 2u);
-  EXPECT_TRUE(server->journal().empty());
-}
-
 TEST_F(FaultsOverHttpTest, TheModuleLogsTheErrorItFailsWith) {
   // The checkout's line carries the error's description as an optional.
   server->setFault(mock::EndpointFault::parse("create-order-purchase=status:503").value());
   ASSERT_TRUE(checkout("ORD000001").onlyFailed());
   EXPECT_THAT(logLinesStartingWith("An Error Occurred"),
               ::testing::ElementsAre("An Error OccurredOptional(\"The service answered with HTTP status 503\")"));
-  // The contract's refusal names the status, then the answer.
-  server->setFault(mock::EndpointFault::parse("create-contract=status:201").value());
-  ASSERT_TRUE(contract("ORD000001").onlyFailed());
-  EXPECT_THAT(logLinesStartingWith("statusCode should be 200, but is "),
-              ::testing::ElementsAre("statusCode should be 200, but is 201"));
-  EXPECT_THAT(logLinesStartingWith("response = "), ::testing::ElementsAre(::testing::HasSubstr("201")));
 }
 
 }  // namespace

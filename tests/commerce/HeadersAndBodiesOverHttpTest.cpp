@@ -1,20 +1,19 @@
 // What the commerce service receives from the module over loopback HTTP: the
-// test headers and how long they stay, guest identifiers in paths, the
-// order bodies under the tester switches, and a checkout whose answer was
-// lost on the way back, and a whole renewal over HTTPS.
+// pending-order and ENV2 headers of a checkout, guest identifiers in paths,
+// the canned passes of the entitlement switch in the order body, a tester's
+// routed server error, and a whole renewal over HTTPS.
 
 #include <filesystem>
 #include <fstream>
 
 #include <gmock/gmock.h>
 
-#include "commerce/CommerceOverHttpSupport.h"
+#include "support/CommerceOverHttp.h"
 #include "standalone/TemporaryDirectory.h"
 #include "support/TestCertificates.h"
 #include "varnel/entitlements/VNLVarnel.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/ApplicationBundle.h"
-#include "varnel/host/ENTMDebugSettings.h"
 #include "varnel/mock/MockFault.h"
 #include "varnel/host/Registry.h"
 #include "varnel/services/CommerceRequests.h"
@@ -43,11 +42,12 @@ class HeadersAndBodiesOverHttpTest : public CommerceOverHttpTest {
     return headers;
   }
 
-  std::map<std::string, std::optional<std::string>> env2Headers(bool withEnvironmentName) const {
+  /// What an ENV2 checkout carries: the service hosts, no environment name.
+  std::map<std::string, std::optional<std::string>> env2Headers() const {
     return {{text(H::kSFServiceHost), server->baseUrl() + "/"},
             {text(H::kTKXServiceHost), text(H::kTKXQAHost)},
             {text(H::kTKXServicePath), text(H::kTKXServicePathValue)},
-            {text(H::kPanlookEnv), withEnvironmentName ? std::optional(text(H::kPanlookEnvValue)) : std::nullopt}};
+            {text(H::kPanlookEnv), std::nullopt}};
   }
 
   static std::map<std::string, std::optional<std::string>> noEnv2Headers() {
@@ -57,36 +57,6 @@ class HeadersAndBodiesOverHttpTest : public CommerceOverHttpTest {
             {text(H::kPanlookEnv), std::nullopt}};
   }
 };
-
-TEST_F(HeadersAndBodiesOverHttpTest, Env2HeadersStayWithEveryLaterOrderButTheContractAsksEachTime) {
-  enum class Call { order, contract };
-  struct Step {
-    const char* what;
-    Call call;
-    bool env2;
-    bool expectEnv2;
-  };
-  const std::string orderId = placeOrder();
-  ASSERT_FALSE(orderId.empty());
-  const std::vector<Step> steps = {
-      {"order before the switch", Call::order, false, false},
-      {"contract before the switch", Call::contract, false, false},
-      {"order with the switch on", Call::order, true, true},
-      {"contract with the switch on", Call::contract, true, true},
-      {"order after the switch is off", Call::order, false, true},
-      {"contract after the switch is off", Call::contract, false, false},
-  };
-  for (const Step& step : steps) {
-    SCOPED_TRACE(step.what);
-    defaults->setBool(C::varnelEnv2HeaderKey, step.env2);
-    server->clearJournal();
-    const Outcome outcome = step.call == Call::order ? createOrder() : contract(orderId);
-    EXPECT_TRUE(outcome.onlySucceeded());
-    auto sent = requestsTo(step.call == Call::order ? "create-orders" : "create-contract");
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(env2HeadersOf(sent[0]), step.expectEnv2 ? env2Headers(true) : noEnv2Headers());
-  }
-}
 
 TEST_F(HeadersAndBodiesOverHttpTest, PendingOrderHeaderStaysUntilAnEnv2CheckoutReplacesIt) {
   struct Step {
@@ -113,7 +83,7 @@ TEST_F(HeadersAndBodiesOverHttpTest, PendingOrderHeaderStaysUntilAnEnv2CheckoutR
     ASSERT_EQ(sent.size(), 1u);
     EXPECT_EQ(headerOf(sent[0], H::kMockAP),
               step.expectMockHeader ? std::optional(text(H::kPendingOrderValue)) : std::nullopt);
-    EXPECT_EQ(env2HeadersOf(sent[0]), step.env2 ? env2Headers(false) : noEnv2Headers());
+    EXPECT_EQ(env2HeadersOf(sent[0]), step.env2 ? env2Headers() : noEnv2Headers());
     EXPECT_EQ(server->charges().at(orderId), step.expectPaid ? 1 : 0);
     if (step.expectPaid) {
       EXPECT_TRUE(outcome.onlySucceeded());
@@ -182,32 +152,6 @@ TEST_F(HeadersAndBodiesOverHttpTest, AnotherGuestsIdentifierIsRefused) {
   EXPECT_EQ(sent[0]["path"], "/commerce/guests/" + stranger + "/orders");
 }
 
-TEST_F(HeadersAndBodiesOverHttpTest, TesterSwitchesShapeTheOrderBody) {
-  struct Row {
-    const char* what;
-    KTVCResortChoice resort;
-    bool debugContext;
-    std::string storeId;
-    std::string destinationId;
-  };
-  const std::vector<Row> rows = {
-      {"east", kResortChoiceEast, false, "oqs_mobile", "80007798"},
-      {"east, debug context", kResortChoiceEast, true, "oqs", "80007798"},
-      {"west, debug context", kResortChoiceWest, true, "zlt", "80008297"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    park.setResortChoice(row.resort);
-    defaults->setBool(ENTMDebugSettings::contextKey, row.debugContext);
-    server->clearJournal();
-    EXPECT_TRUE(createOrder(false).onlySucceeded());
-    auto sent = requestsTo("create-orders");
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(sent[0]["body"]["storeId"], row.storeId);
-    EXPECT_EQ(sent[0]["body"]["destinationId"], row.destinationId);
-  }
-}
-
 TEST_F(HeadersAndBodiesOverHttpTest, EntitlementMockSwitchSendsTheCannedPasses) {
   std::ifstream file(std::filesystem::path(VARNEL_TEST_RESOURCE_DIR) / "app" / "mockEVAS2.json");
   const Json canned = Json::parse(file, nullptr, false);
@@ -233,29 +177,25 @@ TEST_F(HeadersAndBodiesOverHttpTest, EntitlementMockSwitchSendsTheCannedPasses) 
   EXPECT_EQ(outcome.error, toError(APError::GeneralBookingServiceError));
 }
 
-TEST_F(HeadersAndBodiesOverHttpTest, LostCheckoutAnswerIsRecoveredWithoutASecondCharge) {
-  const std::string orderId = placeOrder();
-  ASSERT_FALSE(orderId.empty());
-  ASSERT_FALSE(server->setFault(mock::EndpointFault::parse("create-order-purchase=reset-after*1").value()));
+// While the routing switch is on, every request carries the stored routing
+// header and meets the fault routed to its value; switched off, it goes through.
+TEST_F(HeadersAndBodiesOverHttpTest, RoutedRequestsMeetTheirSimulatedErrorUntilRoutingIsOff) {
+  auto routed = mock::RouteFault::parse("E503=booking:SYSTEM_UNAVAILABLE");
+  ASSERT_TRUE(routed.ok());
+  routeFaults = {routed.value()};
+  start(sampleGuest(), sampleGuest().kuid);
+  defaults->setObject(kServerErrorRoutingHeaderKey,
+                      DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("E503")}});
 
-  const Outcome paid = checkout(orderId);
-  ASSERT_TRUE(paid.onlySucceeded());
-  EXPECT_EQ(paid.value->value("status", ""), "BOOKED");
-  EXPECT_EQ(server->charges().at(orderId), 1);
-  auto sent = requestsTo("create-order-purchase");
-  ASSERT_EQ(sent.size(), 2u);
-  const auto key = headerOf(sent[0], standalone::kIdempotencyKeyHeader);
-  ASSERT_TRUE(key.has_value());
-  EXPECT_EQ(headerOf(sent[1], standalone::kIdempotencyKeyHeader), key);
+  defaults->setBool(kServerErrorRoutingUseFeatureKey, true);
+  const Outcome failed = createOrder();
+  ASSERT_TRUE(failed.onlyFailed());
+  EXPECT_EQ(failed.error, toError(APError::SYSTEM_UNAVAILABLE));
+  EXPECT_EQ(headerOf(requestsTo("create-orders").back(), "X-Orvane-Internal-Mock-AP"), "E503");
 
-  // Once answered, the same payment again is a new request, and the order is already paid.
-  const Outcome again = checkout(orderId);
-  ASSERT_TRUE(again.onlyFailed());
-  EXPECT_EQ(again.error, toError(APError::GeneralBookingServiceError));
-  EXPECT_EQ(server->charges().at(orderId), 1);
-  auto all = requestsTo("create-order-purchase");
-  ASSERT_EQ(all.size(), 3u);
-  EXPECT_NE(headerOf(all[2], standalone::kIdempotencyKeyHeader), key);
+  defaults->setBool(kServerErrorRoutingUseFeatureKey, false);
+  EXPECT_TRUE(createOrder().onlySucceeded());
+  EXPECT_EQ(headerOf(requestsTo("create-orders").back(), "X-Orvane-Internal-Mock-AP"), std::nullopt);
 }
 
 TEST_F(HeadersAndBodiesOverHttpTest, ARenewalOverHttpsTakesOneConnectionAndOneHandshake) {

@@ -118,22 +118,5 @@ TEST_F(VNLVarnelTest, NoStoreNoManagerOrAMistypedStoreReadAsEmpty) {
   checkEmpty("no manager");
 }
 
-TEST(VNLVarnelConstants, NameTheBundleAndTheSwitchesTheHostAndTestersShare) {
-  // Keys of the user-defaults store that testers' tools write: renaming one
-  // silently turns a switch off.
-  using C = VNLVarnel::Constants;
-  const std::pair<std::string_view, std::string_view> rows[] = {
-      {C::varnelBundleName, "Varnel"},
-      {C::varnelFrameworkName, "Varnel"},
-      {C::varnelEntitlementMockKey, "VarnelEntitlementMockKey"},
-      {C::varnelCreateOrderMockKey, "VarnelCreateOrderMockKey"},
-      {C::varnelContractMockKey, "VarnelContractMockKey"},
-      {C::varnelEnv2HeaderKey, "VarnelENV2HeaderKey"},
-      {C::VarnelENV2ForPaymentKey, "VarnelENV2ForPaymentCards"},
-      {C::VarnelPendingOrderHeaderKey, "VarnelPendingOrderHeader"},
-  };
-  for (const auto& [constant, text] : rows) EXPECT_EQ(constant, text);
-}
-
 }  // namespace
 }  // namespace varnel

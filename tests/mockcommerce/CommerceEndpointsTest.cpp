@@ -18,18 +18,6 @@ void expectCompleteGuest(const RenewableGuest& guest) {
   }
 }
 
-TEST_F(MockCommerceTest, PaymentAccountsAreServedAtBothPaths) {
-  for (std::string path : {std::string("/profile/guests/") + kGuestKuid + "/payment-accounts",
-                           std::string("/env2/assembly/guest/id;kuid=") + kGuestKuid + "/payment-accounts"}) {
-    auto result = client().Get(path.c_str(), auth());
-    ASSERT_TRUE(result) << path;
-    EXPECT_EQ(result->status, 200);
-    Json accounts = bodyOf(result)["paymentAccounts"];
-    ASSERT_EQ(accounts.size(), 3u);
-    EXPECT_EQ(accounts[0]["card"]["retrievalReferenceNumber"], "CARD-REF-0001");
-  }
-}
-
 TEST_F(MockCommerceTest, MonthlyOrderContractAndCheckoutParseIntoCompleteRecords) {
   auto created = post(std::string("/commerce/guests/") + kGuestKuid + "/orders", orderBody("AP-100201", true));
   ASSERT_TRUE(created);

@@ -338,11 +338,6 @@ TEST_F(PrivateDataServiceTest, ServersThatHangTrickleOrRefuseEndTheRequestWithin
   ::close(closedPort);
 }
 
-TEST_F(PrivateDataServiceTest, HundredSequentialRequestsShareOneConnection) {
-  for (int i = 0; i < 100; ++i) ASSERT_TRUE(get("/json").succeeded);
-  EXPECT_EQ(client->transport().connectionsOpened(), 1);
-}
-
 TEST_F(PrivateDataServiceTest, NoCallbackRunsOnceTheServiceIsDestroyed) {
   std::mutex gateMutex;
   std::condition_variable released;
