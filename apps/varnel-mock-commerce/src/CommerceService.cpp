@@ -24,6 +24,8 @@ std::vector<std::string> pathSegments(std::string_view path) {
   return parts;
 }
 
+namespace {
+
 Json fieldsObject(const Fields& fields) {
   Json object = Json::object();
   for (const auto& [name, value] : fields) {
