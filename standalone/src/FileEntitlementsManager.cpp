@@ -110,6 +110,11 @@ std::vector<Json> FileEntitlementsManager::theaterTickets() const {
   return state_->store ? state_->store->theaterTickets : std::vector<Json>{};
 }
 
+std::optional<GuestData> FileEntitlementsManager::guestData() const {
+  std::lock_guard lock(state_->mutex);
+  return state_->store;
+}
+
 std::shared_ptr<KTVCParkResortContext> FileEntitlementsManager::parkResortContext() const {
   std::lock_guard lock(state_->mutex);
   return state_->context;

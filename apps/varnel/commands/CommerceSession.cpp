@@ -8,6 +8,7 @@
 #include "Command.h"
 #include "OptionChecks.h"
 #include "commands/ErrorReport.h"
+#include "commands/GuestSource.h"
 #include "commands/RenewalOutput.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
@@ -72,15 +73,11 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
   journal_ = journal.value();
   Registry::set<RenewalJournal>(journal_);
 
-  const std::filesystem::path file = options.guestFile.empty()
-                                         ? varnelResourceDirectory() / "guests" / "sample-guest.json"
-                                         : std::filesystem::path(options.guestFile);
-  auto guest = standalone::readGuestDataFile(file);
-  if (!guest) throw UsageError(standalone::describeGuestDataError(guest.error()));
-  guest_ = guest.value();
-  auto manager = standalone::FileEntitlementsManager::open(file);
-  if (!manager) throw UsageError(standalone::describeGuestDataError(manager.error()));
-  Registry::set<ENTMEntitlementsManager>(manager.value());
+  // The guest file is read once: the entitlements manager serves it, and the
+  // sign-in, the cards and the mock server's household come from what it read.
+  GuestSource source(GuestOptions{.guestFile = options.guestFile, .mock = false, .json = options.json});
+  if (!source.data) throw UsageError("the guest data file could not be read");
+  guest_ = *source.data;
   Registry::set<KTVRAuthenticationService>(
       std::make_shared<standalone::StaticAuthenticationService>(guest_.kuid, guest_.email));
   Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(guest_.email));

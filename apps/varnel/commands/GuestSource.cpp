@@ -36,6 +36,7 @@ GuestSource::GuestSource(const GuestOptions& options) {
   auto manager = standalone::FileEntitlementsManager::open(file);
   if (!manager) throw UsageError(standalone::describeGuestDataError(manager.error()));
   host::Registry::set<ENTMEntitlementsManager>(manager.value());
+  data = manager.value()->guestData();
   for (const Json& ticket : manager.value()->theaterTickets()) {
     theaterTickets.push_back(VNLEntitlementTheaterTicket::initWithJsonData(ticket));
   }

@@ -14,6 +14,7 @@
 #include "varnel/entitlements/VNLVarnel.h"
 #include "varnel/platform/Date.h"
 #include "varnel/platform/Json.h"
+#include "varnel/standalone/GuestDataFile.h"
 
 namespace varnel::cli {
 
@@ -36,6 +37,8 @@ struct GuestSource {
   VNLVarnel varnel;
   /// The guest's theater tickets (none with --mock), made from the file's JSON.
   VNLVarnel::Entitlements theaterTickets;
+  /// The guest data file as read (none with --mock).
+  std::optional<standalone::GuestData> data;
 };
 
 /// The class of an entitlement as the host sees it ("VNLEntitlementAnnualPass").

@@ -31,6 +31,7 @@
 #include <vector>
 
 #include "varnel/host/ENTMEntitlementsManager.h"
+#include "varnel/standalone/GuestDataFile.h"
 #include "varnel/platform/Error.h"
 #include "varnel/platform/Json.h"
 #include "varnel/platform/Result.h"
@@ -58,6 +59,9 @@ class FileEntitlementsManager final : public ENTMEntitlementsManager {
   std::optional<std::vector<ENTMAffiliation>> affiliations() const;
   /// The raw JSON of the guest's theater tickets from the store.
   std::vector<Json> theaterTickets() const;
+  /// The whole guest data as last read (the sign-in, cards and household the
+  /// commerce side needs); empty before the first successful load.
+  std::optional<GuestData> guestData() const;
   /// The context given to configureWithParkResortContext, if any.
   std::shared_ptr<KTVCParkResortContext> parkResortContext() const;
 
