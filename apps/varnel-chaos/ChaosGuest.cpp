@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "varnel/platform/Json.h"
+
 #include "ChildProcess.h"
 #include "Scenario.h"
 
@@ -28,7 +30,7 @@ bool renewableMonthly(const nlohmann::json& entitlement) {
 
 std::string writeChaosGuest(const std::filesystem::path& path, int first, int count) {
   const auto sample = resourceDirectory() / "guests" / "sample-guest.json";
-  auto guest = nlohmann::json::parse(readWholeFile(sample), nullptr, false);
+  auto guest = parseJson(readWholeFile(sample)).value.value_or(Json());
   if (!guest.is_object() || !guest["entitlements"].is_array()) return "cannot read " + sample.string();
   nlohmann::json model;
   for (const auto& entitlement : guest["entitlements"]) {

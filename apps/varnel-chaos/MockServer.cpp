@@ -9,6 +9,8 @@
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
+#include "varnel/platform/Json.h"
+
 #include <regex>
 #include <thread>
 
@@ -89,8 +91,9 @@ bool MockServer::clearFaults() {
 std::optional<std::map<std::string, int>> MockServer::charges() {
   const auto answer = admin_->Get("/__admin/charges");
   if (!answer || answer->status != 200) return std::nullopt;
-  const auto json = nlohmann::json::parse(answer->body, nullptr, false);
-  if (!json.is_object()) return std::nullopt;
+  const JsonParse parsed = parseJson(answer->body);
+  if (!parsed || !parsed.value->is_object()) return std::nullopt;
+  const Json& json = *parsed.value;
   std::map<std::string, int> charges;
   for (const auto& [order, count] : json.items()) {
     if (!count.is_number_integer()) return std::nullopt;

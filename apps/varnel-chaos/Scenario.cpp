@@ -27,24 +27,24 @@ FaultChoice drawFault(Random& random, std::chrono::milliseconds requestTimeout) 
   fault.endpoint = pick(random, endpoints);
   fault.kind = std::string(kFaultKinds[std::uniform_int_distribution<std::size_t>(0, kFaultKinds.size() - 1)(random)]);
   if (fault.kind == "booking") {
-    fault.spec = "booking:" + pick(random, std::vector<std::string>{"SYSTEM_ERROR", "ORDER_PENDING", "PAYMENT_DECLINED",
+    fault.written = "booking:" + pick(random, std::vector<std::string>{"SYSTEM_ERROR", "ORDER_PENDING", "PAYMENT_DECLINED",
                                                                     "INVALID_REQUEST"});
   } else if (fault.kind == "residency") {
-    fault.spec = "residency:" + pick(random, std::vector<std::string>{"RES-4101", "0871", "9"});
+    fault.written = "residency:" + pick(random, std::vector<std::string>{"RES-4101", "0871", "9"});
   } else if (fault.kind == "status") {
-    fault.spec = "status:" + std::to_string(pick(random, std::vector<int>{200, 400, 401, 404, 409, 429, 500, 502, 503}));
+    fault.written = "status:" + std::to_string(pick(random, std::vector<int>{200, 400, 401, 404, 409, 429, 500, 502, 503}));
   } else if (fault.kind == "delay") {
     fault.delay = std::chrono::milliseconds(between(random, 20, 300));
-    fault.spec = "delay:" + std::to_string(fault.delay.count());
+    fault.written = "delay:" + std::to_string(fault.delay.count());
   } else if (fault.kind == "delay-past-timeout") {
     fault.delay = requestTimeout + std::chrono::milliseconds(between(random, 200, 600));
-    fault.spec = "delay:" + std::to_string(fault.delay.count());
+    fault.written = "delay:" + std::to_string(fault.delay.count());
   } else {
-    fault.spec = fault.kind;
+    fault.written = fault.kind;
   }
   // Half of the faults hit the next request only (a retry then gets through),
   // the others every request until they are cleared.
-  if (chance(random, 0.5)) fault.spec += "*1";
+  if (chance(random, 0.5)) fault.written += "*1";
   return fault;
 }
 
@@ -89,7 +89,7 @@ std::vector<RenewalScenario> drawScenarios(std::uint64_t seed, int renewals, int
 std::string describe(const RenewalScenario& scenario) {
   std::string text = "#" + std::to_string(scenario.index) + " " + scenario.passId + " " +
                      (scenario.monthly ? "monthly" : "full") + " " + scenario.card.reference;
-  text += scenario.fault ? " fault " + scenario.fault->endpoint + "=" + scenario.fault->spec : " no fault";
+  text += scenario.fault ? " fault " + scenario.fault->endpoint + "=" + scenario.fault->written : " no fault";
   if (scenario.killAt) text += " kill at " + std::to_string(static_cast<int>(*scenario.killAt * 100)) + "%";
   return text;
 }

@@ -29,7 +29,7 @@ struct FaultChoice {
   /// One of kFaultKinds.
   std::string kind;
   /// As the mock server reads it: "delay:1800*1", "status:503", ...
-  std::string spec;
+  std::string written;
   /// The delay of a delay fault.
   std::chrono::milliseconds delay{0};
 };

@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "varnel/platform/Json.h"
+
 #include "ChaosGuest.h"
 
 namespace varnel::chaos {
@@ -117,7 +119,7 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
     record.notes.push_back(what + " exited " + std::to_string(run.status) + ": " + lastLine(run.err));
     return false;
   }
-  const Json answer = Json::parse(run.out, nullptr, false);
+  const Json answer = parseJson(run.out).value.value_or(Json());
   bool confirmed = false;
   bool refused = false;
   if (!answer.is_object()) {
@@ -161,8 +163,8 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
   record.passId = scenario.passId;
   record.faultKind = scenario.fault ? scenario.fault->kind : "none";
 
-  if (scenario.fault && !server.addFault(scenario.fault->endpoint, scenario.fault->spec)) {
-    record.notes.push_back("the mock server did not take the fault " + scenario.fault->spec);
+  if (scenario.fault && !server.addFault(scenario.fault->endpoint, scenario.fault->written)) {
+    record.notes.push_back("the mock server did not take the fault " + scenario.fault->written);
   }
   std::optional<std::chrono::milliseconds> killAfter;
   if (scenario.killAt) killAfter = std::chrono::milliseconds(static_cast<long long>(*scenario.killAt * usualRunMs_));
