@@ -86,6 +86,7 @@ void RenewalFlow::Impl::resumeEntry(const RenewalJournalEntry& entry) {
   stepStarted(Step::checkout);
   if (!entry.securityCodeEntered) return securityCodeGiven(std::string(PurchaseHandler::ParameterDictionaryConstants::tempraryCVV));
   if (!request_.securityCode.empty()) return securityCodeGiven(request_.securityCode);
+  keepCheckoutConnectionWarm(entry.orderId);
   tell([entry, reply = reply(&Impl::securityCodeGiven)](RenewalFlowDelegate& delegate) {
     delegate.askSecurityCode(entry, reply);
   });
@@ -106,6 +107,13 @@ void RenewalFlow::Impl::sendCheckout() {
          createExpressCheckout(request.service(), orderId, checkoutBody_, request.success(), request.failure());
        },
        {{"Idempotency-Key", entry_.idempotencyKey}}, &Impl::checkoutAnswered);
+  checkoutConnection_.reset();
+}
+
+void RenewalFlow::Impl::keepCheckoutConnectionWarm(const std::string& orderId) {
+  auto warmer = host::Registry::get<ConnectionWarmer>();
+  if (!warmer || checkoutConnection_) return;
+  if (const auto url = expressCheckoutURL(orderId)) checkoutConnection_ = warmer->keepWarm(*url);
 }
 
 void RenewalFlow::Impl::checkoutAnswered(const RequestEnd& end) {
@@ -160,6 +168,7 @@ void RenewalFlow::Impl::cancel() {
 void RenewalFlow::Impl::abandon() {
   if (running_ && entry_.id != 0) journal_->release(entry_.id);
   running_ = false;
+  checkoutConnection_.reset();
 }
 
 void RenewalFlow::Impl::refuse(Step step, std::optional<APError> error, std::string reason) {
@@ -174,6 +183,7 @@ void RenewalFlow::Impl::conclude(RenewalOutcome::Kind kind, Step step, std::opti
   if (!running_) return;
   running_ = false;
   checkoutSent_ = false;
+  checkoutConnection_.reset();
   if (entry_.id != 0) journal_->release(entry_.id);
   outcome_.kind = kind;
   outcome_.step = step;

@@ -13,6 +13,7 @@
 #include "WatchedRequests.h"
 #include "varnel/checkout/RenewalFlow.h"
 #include "varnel/host/Registry.h"
+#include "varnel/platform/ConnectionWarmer.h"
 
 namespace varnel {
 
@@ -52,6 +53,9 @@ struct RenewalFlow::Impl : std::enable_shared_from_this<RenewalFlow::Impl> {
   void securityCodeGiven(std::optional<std::string> code);
   void sendCheckout();
   void checkoutAnswered(const checkout_detail::RequestEnd& end);
+  /// While the guest decides, the host keeps a connection to where the
+  /// checkout goes ready (when it can), so that paying costs one round trip.
+  void keepCheckoutConnectionWarm(const std::string& orderId);
 
   // Ending and telling.
   void refuse(Step step, std::optional<APError> error, std::string reason);
@@ -100,6 +104,8 @@ struct RenewalFlow::Impl : std::enable_shared_from_this<RenewalFlow::Impl> {
   bool contractSigned_ = false;
   /// The checkout body with the security code, kept in memory only.
   Json checkoutBody_;
+  /// Held from the card step until the checkout is on the wire.
+  std::unique_ptr<ConnectionWarmer::Hold> checkoutConnection_;
 };
 
 }  // namespace varnel

@@ -183,6 +183,7 @@ void RenewalFlow::Impl::cardsAnswered(const RequestEnd& end) {
 
 void RenewalFlow::Impl::whenOrderAndCardsKnown() {
   if (!outcome_.order || !accounts_) return;
+  keepCheckoutConnectionWarm(outcome_.orderId);
   if (!request_.cardReference.empty()) {
     const PaymentAccount* named = checkout_detail::findCard(*accounts_, request_.cardReference);
     if (!named) return refuse(Step::cards, std::nullopt, "the card \"" + request_.cardReference + "\" is gone");

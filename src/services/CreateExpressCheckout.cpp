@@ -15,6 +15,10 @@ constexpr std::string_view kCheckoutFunction = "createExpressCheckout(orderId:pa
 
 }  // namespace
 
+std::optional<std::string> expressCheckoutURL(const std::string& orderId) {
+  return services_detail::environmentString("create-order-purchase", {{"order-id", orderId}});
+}
+
 void createExpressCheckout(KTVRPrivateDataService& service, const std::string& orderId,
                            const Json& parametersDictionary, KTVRSuccessBlock success, KTVRFailureBlock failure) {
   using namespace services_detail;
@@ -33,7 +37,7 @@ void createExpressCheckout(KTVRPrivateDataService& service, const std::string& o
                                        std::string(CommerceTestHeaders::kPendingOrderValue));
   }
 
-  const std::optional<std::string> url = environmentString("create-order-purchase", {{"order-id", orderId}});
+  const std::optional<std::string> url = expressCheckoutURL(orderId);
   if (!url) return;
 
   service.postDataUsingPath(

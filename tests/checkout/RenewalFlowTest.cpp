@@ -1,7 +1,11 @@
 // The renewal road against the mock commerce service over loopback HTTP: the
 // three outcomes and what reaches the service for each, an interrupted
 // checkout finished with the same key and no second charge, one renewal per
-// pass in flight, and a cancel before the checkout.
+// pass in flight, a cancel before the checkout, and a payment after a long
+// pause on a connection kept warm.
+
+#include <algorithm>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -198,6 +202,37 @@ TEST_F(RenewalFlowTest, APassHasOneRenewalInFlightAndACancelBeforeCheckoutCharge
 
   const auto after = renew({});
   EXPECT_EQ(after->outcome->kind, Kind::confirmed) << after->outcome->reason;
+}
+
+TEST_F(RenewalFlowTest, AfterAPauseLongerThanTheServersKeepAliveThePaymentTravelsOnAConnectionOpenedBeforeIt) {
+  // The mock closes a connection idle for a second; the guest reads the terms
+  // for longer. Without the warmer the checkout needs a new connection.
+  keepAlive = std::chrono::seconds(1);
+  for (const bool warmed : {true, false}) {
+    SCOPED_TRACE(warmed ? "kept warm" : "no warmer");
+    restart();
+    journal = std::make_shared<InMemoryRenewalJournal>();
+    if (!warmed) host::Registry::set<ConnectionWarmer>(nullptr);
+    auto guest = std::make_shared<ScriptedGuest>();
+    guest->holdTerms = true;
+    renew({}, guest);
+    ASSERT_TRUE(guest->heldTerms) << "the terms were not asked for";
+    std::this_thread::sleep_for(std::chrono::milliseconds(2'500));
+    const std::size_t beforePaying = server->journal().size();
+    guest->heldTerms(true);
+    drive();
+    ASSERT_TRUE(guest->outcome);
+    EXPECT_EQ(guest->outcome->kind, Kind::confirmed) << guest->outcome->reason;
+
+    const Json requests = server->journal();
+    const auto checkout = std::find_if(requests.begin(), requests.end(), [](const Json& request) {
+      return request.value("endpoint", Json()) == "create-order-purchase";
+    });
+    ASSERT_NE(checkout, requests.end());
+    bool openedBefore = false;
+    for (std::size_t i = 0; i < beforePaying; ++i) openedBefore |= requests[i]["connection"] == (*checkout)["connection"];
+    EXPECT_EQ(openedBefore, warmed);
+  }
 }
 
 /// The road over fake networking that answers nothing: what leaves before any answer.

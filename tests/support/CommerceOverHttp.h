@@ -83,6 +83,7 @@ class CommerceOverHttpTest : public HostFixture {
     options.guest = household;
     options.routeFaults = routeFaults;
     options.tls = tls;
+    options.keepAlive = keepAlive;
     options.requestLog = [log = serverLog_](const std::string& line) {
       std::lock_guard lock(log->mutex);
       log->lines.push_back(line);
@@ -210,6 +211,8 @@ class CommerceOverHttpTest : public HostFixture {
   /// The next start() serves HTTPS with these files, trusting `trustedCa`.
   std::optional<mock::TlsFiles> tls;
   std::optional<std::filesystem::path> trustedCa;
+  /// The next start()'s mock closes connections idle this long.
+  std::chrono::seconds keepAlive{5};
   std::unique_ptr<mock::MockCommerceServer> server;
   standalone::StandaloneNetworking networking;
   KTVCParkResortContext park{kResortChoiceEast};

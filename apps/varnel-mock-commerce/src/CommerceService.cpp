@@ -131,6 +131,10 @@ std::optional<CommerceService::Endpoint> CommerceService::endpointOf(const Call&
 Reply CommerceService::handle(const Call& call) {
   try {
     if (call.path.starts_with("/__admin/")) return admin(call);
+    if (call.method == "OPTIONS") {
+      record(call, nullptr, std::nullopt);
+      return Reply{204, "", "", Cut::none};
+    }
     auto endpoint = endpointOf(call);
     std::optional<Json> body = parseBody(call.body);
     record(call, endpoint ? &*endpoint : nullptr, body);
@@ -158,7 +162,8 @@ void CommerceService::record(const Call& call, const Endpoint* endpoint, const s
              {"path", call.path},
              {"query", fieldsObject(call.query)},
              {"headers", fieldsObject(call.headers)},
-             {"body", body ? *body : Json()}};
+             {"body", body ? *body : Json()},
+             {"connection", call.connection}};
   std::lock_guard lock(mutex_);
   journal_.push_back(std::move(entry));
   if (journal_.size() > kJournalLimit) journal_.pop_front();

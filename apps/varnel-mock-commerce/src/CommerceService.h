@@ -39,6 +39,8 @@ struct Call {
   Fields query;
   Fields headers;
   std::string body;
+  /// The client's port: the requests of one connection share it.
+  int connection = -1;
 
   /// The first header of that name, compared without case.
   const std::string* header(std::string_view name) const;

@@ -4,6 +4,7 @@
 #include <openssl/ssl.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -18,13 +19,13 @@ constexpr const char* kHost = "127.0.0.1";
 constexpr std::size_t kBodyLimit = 1 << 20;
 // One thread per open connection: this many idle or slow clients at once
 // still leave room for a new one. Idle connections are closed after
-// kKeepAliveSeconds, a request that has not fully arrived after kReadSeconds.
+// MockCommerceOptions::keepAlive, a request that has not fully arrived after
+// kReadSeconds.
 constexpr std::size_t kServerThreads = 128;
-constexpr time_t kKeepAliveSeconds = 5;
 constexpr time_t kReadSeconds = 3;
 
 bool isServedMethod(const std::string& method) {
-  for (const char* served : {"GET", "HEAD", "POST", "PUT", "DELETE", "PATCH"}) {
+  for (const char* served : {"GET", "HEAD", "POST", "PUT", "DELETE", "PATCH", "OPTIONS"}) {
     if (method == served) return true;
   }
   return false;
@@ -55,6 +56,7 @@ Call callOf(const httplib::Request& request) {
   call.segments = pathSegments(std::string_view(target).substr(0, target.find('?')));
   for (auto& segment : call.segments) segment = httplib::detail::decode_url(segment, false);
   call.body = request.body;
+  call.connection = request.remote_port;
   for (const auto& [name, value] : request.params) call.query.emplace_back(name, value);
   for (const auto& [name, value] : request.headers) {
     // The server adds these of its own; they were not sent.
@@ -158,6 +160,7 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
     }
     if (port < 0 || port > 65535) return mockCommerceError(MockCommerceErrorCode::badOption, "the port must be 0 to 65535");
     const std::optional<TlsFiles> tls = options.tls;
+    const std::chrono::seconds keepAlive = options.keepAlive;
     auto impl = std::make_unique<Impl>(std::move(options));
     impl->server = makeServer(tls, &impl->tls);
     if (!impl->server) {
@@ -167,7 +170,7 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
     }
     Impl* state = impl.get();
     auto handler = [state](const httplib::Request& request, httplib::Response& response) { state->serve(request, response); };
-    impl->server->Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler).Patch(".*", handler);
+    impl->server->Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler).Patch(".*", handler).Options(".*", handler);
     impl->server->set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
       response.status = 500;
       response.set_content(bookingError("UNEXPECTED_ERROR", "The request could not be handled.").dump(), "application/json");
@@ -177,7 +180,7 @@ Result<std::unique_ptr<MockCommerceServer>> MockCommerceServer::start(MockCommer
     impl->server->set_error_handler(
         [state](const httplib::Request& request, httplib::Response& response) { state->explain(request, response); });
     impl->server->new_task_queue = [] { return new httplib::ThreadPool(kServerThreads); };
-    impl->server->set_keep_alive_timeout(kKeepAliveSeconds);
+    impl->server->set_keep_alive_timeout(std::max<time_t>(1, keepAlive.count()));
     impl->server->set_read_timeout(kReadSeconds);
     impl->server->set_payload_max_length(kBodyLimit);
     // Clients keep their connection for a whole renewal and longer; answers

@@ -22,6 +22,10 @@
 // A pass whose earlier checkout was interrupted is finished instead: its
 // recorded checkout is sent again with the same key (askSecurityCode first,
 // where the guest had entered one), and no new order is made.
+// From chooseCard (or askSecurityCode) until the checkout leaves, a
+// ConnectionWarmer in the host registry, when there is one, keeps a
+// connection to the checkout's service ready: paying costs one round trip
+// however long the guest spent deciding.
 //
 // Outcomes (RenewalOutcome):
 //   confirmed  the answer carries a confirmation number and the booked status;

@@ -17,6 +17,7 @@
 // "env2-service-host" give the ENV2 addresses (placeholders when missing).
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,10 @@ void monthlyContractRequest(KTVRPrivateDataService& service, const std::shared_p
 /// Failures are mapped as for createOrderRequest.
 void createExpressCheckout(KTVRPrivateDataService& service, const std::string& orderId,
                            const Json& parametersDictionary, KTVRSuccessBlock success, KTVRFailureBlock failure);
+
+/// Where createExpressCheckout sends `orderId`'s checkout; none when the
+/// environment does not resolve "create-order-purchase".
+std::optional<std::string> expressCheckoutURL(const std::string& orderId);
 
 /// Errors the module makes itself when a request cannot be sent.
 inline constexpr const char* kCommerceRequestErrorDomain = "Varnel.CommerceRequest";

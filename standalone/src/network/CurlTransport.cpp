@@ -128,6 +128,7 @@ void CurlTransport::State::start(std::unique_ptr<Transfer> transfer) {
   transfer->easy = easy;
   const HttpRequest& request = transfer->request;
   curl_easy_setopt(easy, CURLOPT_URL, request.url.c_str());
+  if (request.requestTarget) curl_easy_setopt(easy, CURLOPT_REQUEST_TARGET, request.requestTarget->c_str());
   curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
@@ -151,8 +152,10 @@ void CurlTransport::State::start(std::unique_ptr<Transfer> transfer) {
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, transfer.get());
   curl_easy_setopt(easy, CURLOPT_PRIVATE, transfer.get());
 
-  if (request.method == "GET" && !request.body) {
+  if (!request.body && request.method != "POST") {
+    // No body and no Content-Length, whatever the method.
     curl_easy_setopt(easy, CURLOPT_HTTPGET, 1L);
+    if (request.method != "GET") curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, request.method.c_str());
   } else {
     if (request.method != "POST") curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, request.method.c_str());
     const std::string& body = request.body ? *request.body : std::string();
@@ -341,6 +344,8 @@ void CurlTransport::cancel(TransferId transfer) {
 }
 
 std::int64_t CurlTransport::connectionsOpened() const { return state_->connectionsOpened.load(); }
+
+const TransportOptions& CurlTransport::options() const { return state_->options; }
 
 bool TransportFailure::certificateRejected() const { return code == CURLE_PEER_FAILED_VERIFICATION; }
 

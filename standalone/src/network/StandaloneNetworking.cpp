@@ -11,9 +11,11 @@ StandaloneNetworking installStandaloneNetworking(std::shared_ptr<KTVREnvironment
   networking.client = std::make_shared<HttpClient>(std::move(options));
   networking.service = std::make_shared<CurlPrivateDataService>(networking.client, std::move(accessToken));
   networking.session = std::make_shared<CurlURLSession>(networking.client);
+  networking.warmer = std::make_shared<CurlConnectionWarmer>(networking.client);
   Registry::set<KTVREnvironment>(std::move(environment));
   Registry::set<KTVRPrivateDataService>(networking.service);
   Registry::set<URLSession>(networking.session);
+  Registry::set<ConnectionWarmer>(networking.warmer);
   return networking;
 }
 
@@ -21,6 +23,7 @@ void uninstallStandaloneNetworking() {
   using host::Registry;
   Registry::set<KTVRPrivateDataService>(nullptr);
   Registry::set<URLSession>(nullptr);
+  Registry::set<ConnectionWarmer>(nullptr);
   Registry::set<KTVREnvironment>(nullptr);
 }
 

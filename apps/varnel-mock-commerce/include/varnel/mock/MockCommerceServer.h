@@ -11,8 +11,10 @@
 // (401), the guest of the path and the owner of an order (403), JSON bodies
 // (400), unknown orders (404); it charges an order at most once, answers a
 // repeated Idempotency-Key with the earlier answer, declines the documented
-// decline card, and injects the scripted faults of MockFault.h. Every
-// request is journalled (/__admin/requests). apps/varnel-mock-commerce/README.md
+// decline card, and injects the scripted faults of MockFault.h. OPTIONS of
+// any target (a client's no-op, "OPTIONS *") is answered 204 with nothing
+// checked. Every request is journalled (/__admin/requests), with the client
+// port of its connection. apps/varnel-mock-commerce/README.md
 // lists the rules and the error bodies.
 //
 // With MockCommerceOptions::tls it speaks HTTPS (TLS 1.2 or later) instead.
@@ -20,6 +22,7 @@
 // Threads: requests are served on the server's own threads; every method may
 // be called from any thread. Nothing throws out of this class.
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -59,6 +62,8 @@ struct MockCommerceOptions {
   std::function<void(const std::string&)> requestLog;
   /// HTTPS with this certificate and key instead of plain HTTP.
   std::optional<TlsFiles> tls = std::nullopt;
+  /// A connection idle this long is closed (one second at least).
+  std::chrono::seconds keepAlive{5};
 };
 
 class MockCommerceServer {

@@ -37,6 +37,11 @@ struct TransportOptions {
   std::chrono::seconds lowSpeedTime{8};
   /// The whole exchange, connection included.
   std::chrono::milliseconds totalTimeout{10'000};
+  /// A connection kept warm (CurlConnectionWarmer) sends its no-op read this
+  /// often, well within the idle time after which servers close a connection
+  /// (5 s is common), and is kept so for this long at most.
+  std::chrono::milliseconds keepWarmEvery{2'000};
+  std::chrono::seconds keepWarmFor{180};
 };
 
 class CurlTransport {
@@ -62,6 +67,8 @@ class CurlTransport {
 
   /// Connections opened so far, over all transfers.
   std::int64_t connectionsOpened() const;
+
+  const TransportOptions& options() const;
 
  private:
   struct State;

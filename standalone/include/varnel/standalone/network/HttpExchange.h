@@ -18,6 +18,9 @@ struct HttpRequest {
   std::optional<std::string> body;
   /// The exchange ends after this long at most (none: the transport's totalTimeout).
   std::optional<std::chrono::milliseconds> timeout = std::nullopt;
+  /// The request line's target instead of the URL's path ("*" for a request
+  /// to the server itself, as "OPTIONS *").
+  std::optional<std::string> requestTarget = std::nullopt;
 };
 
 /// Why no answer arrived: refused, reset, timed out, TLS, cancelled, ...

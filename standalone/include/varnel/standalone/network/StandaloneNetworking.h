@@ -1,10 +1,12 @@
 #pragma once
 // Installs the stand-alone networking in the host registry: one HttpClient
-// behind the private data service and the URL session, and the environment.
+// behind the private data service, the URL session and the connection
+// warmer, and the environment.
 
 #include <memory>
 
 #include "varnel/host/KTVREnvironment.h"
+#include "varnel/standalone/network/CurlConnectionWarmer.h"
 #include "varnel/standalone/network/CurlPrivateDataService.h"
 #include "varnel/standalone/network/CurlURLSession.h"
 
@@ -14,9 +16,11 @@ struct StandaloneNetworking {
   std::shared_ptr<HttpClient> client;
   std::shared_ptr<CurlPrivateDataService> service;
   std::shared_ptr<CurlURLSession> session;
+  std::shared_ptr<CurlConnectionWarmer> warmer;
 };
 
-/// Makes and registers KTVRPrivateDataService, URLSession and KTVREnvironment.
+/// Makes and registers KTVRPrivateDataService, URLSession, ConnectionWarmer
+/// and KTVREnvironment.
 StandaloneNetworking installStandaloneNetworking(std::shared_ptr<KTVREnvironment> environment,
                                                  AccessTokenSource accessToken, HttpClientOptions options = {});
 

@@ -1,0 +1,31 @@
+#pragma once
+// The stand-alone ConnectionWarmer, over the transport's connection pool.
+// While a hold lives it sends "OPTIONS *" to the origin (HTTP's request to the
+// server itself, a no-op: no resource, no body, no credentials) at once and
+// then every keepWarmEvery, so that the pool always has a connection the
+// server has not yet closed for idleness, TLS session included. It stops when
+// the hold is released, after keepWarmFor, or when the client goes. The
+// answer's status does not matter, nor does a failure: the next one tries
+// again. Pings are not requests of the module: they are neither retried,
+// logged nor counted in HttpClient::callsInFlight().
+
+#include <memory>
+#include <string>
+
+#include "varnel/platform/ConnectionWarmer.h"
+#include "varnel/standalone/network/HttpClient.h"
+
+namespace varnel::standalone {
+
+class CurlConnectionWarmer final : public ConnectionWarmer {
+ public:
+  explicit CurlConnectionWarmer(std::weak_ptr<HttpClient> client) : client_(std::move(client)) {}
+
+  /// A URL that is not http(s) gets a hold that keeps nothing.
+  std::unique_ptr<Hold> keepWarm(const std::string& url) override;
+
+ private:
+  std::weak_ptr<HttpClient> client_;
+};
+
+}  // namespace varnel::standalone
