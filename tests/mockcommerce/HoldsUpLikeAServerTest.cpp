@@ -55,7 +55,7 @@ class RawConnection {
 
 std::string accountsPath() { return std::string("/profile/guests/") + kGuestKuid + "/payment-accounts"; }
 
-TEST_F(MockCommerceTest, MalformedRequestsAndTokensGetABookingErrorBeforeAnyEndpoint) {
+TEST_F(MockCommerceTest, MalformedRequestsAndTokensGetABookingErrorBeforeAnyEndpointAndOptionsIsANoOp) {
   const std::string token = kToken;
   struct Case {
     const char* name;
@@ -65,7 +65,8 @@ TEST_F(MockCommerceTest, MalformedRequestsAndTokensGetABookingErrorBeforeAnyEndp
   };
   const std::vector<Case> cases = {
       {"unknown method", "BREW " + accountsPath() + " HTTP/1.1\r\nConnection: close\r\nHost: h\r\n\r\n", 405, "METHOD_NOT_ALLOWED"},
-      {"method not served", "OPTIONS " + accountsPath() + " HTTP/1.1\r\nConnection: close\r\nHost: h\r\n\r\n", 405, "METHOD_NOT_ALLOWED"},
+      {"method not served", "TRACE " + accountsPath() + " HTTP/1.1\r\nConnection: close\r\nHost: h\r\n\r\n", 405, "METHOD_NOT_ALLOWED"},
+      {"a client's no-op, without a token", "OPTIONS * HTTP/1.1\r\nConnection: close\r\nHost: h\r\n\r\n", 204, ""},
       {"no Host", "GET " + accountsPath() + " HTTP/1.1\r\nConnection: close\r\nAuthorization: Bearer " + token + "\r\n\r\n", 400,
        "INVALID_REQUEST"},
       {"two lengths", "POST /commerce/guests/x/orders HTTP/1.1\r\nConnection: close\r\nHost: h\r\nContent-Length: 2\r\nContent-Length: 5\r\n\r\n{}abc",
