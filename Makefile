@@ -45,16 +45,20 @@ bench:
 # SIGKILLs against the mock commerce server, compared with its charges.
 SOAK_RENEWALS ?= 10000
 SOAK_KILLS ?= 1000
+SOAK_PARALLEL ?= 8
 soak: bootstrap
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS) --target varnel varnel-mock-commerce varnel-chaos
-	build/release/apps/varnel-chaos/varnel-chaos --renewals $(SOAK_RENEWALS) --kills $(SOAK_KILLS) --deadline 14400
+	build/release/apps/varnel-chaos/varnel-chaos --renewals $(SOAK_RENEWALS) --kills $(SOAK_KILLS) \
+	  --parallel $(SOAK_PARALLEL) --deadline 14400
 
 # Each harness of fuzz/ on its seed corpus (new inputs kept in build/fuzz/work),
-# with <harness>.dict when there is one, else answers.dict; prints the number of
+# with <harness>.dict when there is one, else answers.dict, for FUZZ_TIME
+# seconds or FUZZ_RUNS executions, whichever ends first; prints the number of
 # executions and stops at the first crash, whose input and log stay in
 # build/fuzz/work.
 FUZZ_TIME ?= 60
+FUZZ_RUNS ?= -1
 FUZZERS ?= $(patsubst fuzz/%_fuzzer.cpp,%,$(wildcard fuzz/*_fuzzer.cpp))
 fuzz: bootstrap
 	cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -63,7 +67,7 @@ fuzz: bootstrap
 	@for f in $(FUZZERS); do \
 	  dict=fuzz/$$f.dict; [ -f $$dict ] || dict=fuzz/answers.dict; \
 	  mkdir -p build/fuzz/work/$$f; echo "== $$f ($(FUZZ_TIME) s)"; \
-	  build/fuzz/fuzz/$${f}_fuzzer -dict=$$dict -max_total_time=$(FUZZ_TIME) -print_final_stats=1 \
+	  build/fuzz/fuzz/$${f}_fuzzer -dict=$$dict -max_total_time=$(FUZZ_TIME) -runs=$(FUZZ_RUNS) -print_final_stats=1 \
 	    -artifact_prefix=build/fuzz/work/$$f- build/fuzz/work/$$f fuzz/corpus/$$f > build/fuzz/work/$$f.log 2>&1; \
 	  status=$$?; grep -E '^stat::number_of_executed_units|ERROR|SUMMARY|Test unit written' build/fuzz/work/$$f.log; \
 	  [ $$status -eq 0 ] || { echo "$$f failed; its log: build/fuzz/work/$$f.log"; exit 1; }; \

@@ -34,6 +34,8 @@ std::optional<ChaosOptions> parseChaosOptions(int argc, char** argv, int& status
   app.add_option("--work-dir", options.workDirectory, "Directory for scratch files (default: a temporary one)");
   app.add_option("--batch", options.batchSize, "Renewals per mock server")->check(CLI::Range(1, 5'000))
       ->capture_default_str();
+  app.add_option("--parallel", options.parallel, "Batches run at once, each against its own mock server")
+      ->check(CLI::Range(1, 16))->capture_default_str();
   app.add_option("--request-timeout-ms", requestTimeoutMs, "Request timeout of the varnel children")
       ->check(CLI::Range(100, 60'000))->capture_default_str();
   app.add_option("--child-timeout", childTimeoutS, "Seconds a child may run before it counts as a hang")

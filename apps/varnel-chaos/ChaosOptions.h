@@ -26,6 +26,8 @@ struct ChaosOptions {
   /// Renewals per mock server: each batch gets a fresh server, guest file and
   /// settings store, since a server renews each pass only once.
   int batchSize = 200;
+  /// Batches run at once, each on its own server.
+  int parallel = 1;
   /// What the children's requests may take ($VARNEL_REQUEST_TIMEOUT_MS).
   std::chrono::milliseconds requestTimeout{1'000};
   /// A child that has not exited within this is a hang.

@@ -87,8 +87,9 @@ std::vector<RenewalScenario> drawScenarios(std::uint64_t seed, int renewals, int
 }
 
 std::string describe(const RenewalScenario& scenario) {
-  std::string text = "#" + std::to_string(scenario.index) + " " + scenario.passId + " " +
-                     (scenario.monthly ? "monthly" : "full") + " " + scenario.card.reference;
+  std::string text = std::to_string(scenario.index);
+  text.insert(0, 1, '#');
+  text += " " + scenario.passId + " " + (scenario.monthly ? "monthly" : "full") + " " + scenario.card.reference;
   text += scenario.fault ? " fault " + scenario.fault->endpoint + "=" + scenario.fault->written : " no fault";
   if (scenario.killAt) text += " kill at " + std::to_string(static_cast<int>(*scenario.killAt * 100)) + "%";
   return text;

@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <atomic>
 #include <set>
 #include <iostream>
 #include <thread>
@@ -83,8 +84,8 @@ std::vector<std::string> Soak::resumeArguments(const RenewalScenario& scenario, 
 }
 
 ChildRun Soak::runVarnel(const std::vector<std::string>& arguments,
-                         std::optional<std::chrono::milliseconds> killAfter) {
-  return runChild(arguments, environment_, ChildLimits{options_.childTimeout, killAfter}, work_);
+                         std::optional<std::chrono::milliseconds> killAfter, const Batch& batch) {
+  return runChild(arguments, environment_, ChildLimits{options_.childTimeout, killAfter}, batch.directory);
 }
 
 bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool& finishedNothing) {
@@ -156,7 +157,7 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
   return record.told == Told::confirmed || record.told == Told::refused;
 }
 
-RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, const Batch& batch) {
+RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, const Batch& batch, Pace& pace) {
   const auto started = Clock::now();
   RenewalRecord record;
   record.index = scenario.index;
@@ -167,16 +168,16 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
     record.notes.push_back("the mock server did not take the fault " + scenario.fault->written);
   }
   std::optional<std::chrono::milliseconds> killAfter;
-  if (scenario.killAt) killAfter = std::chrono::milliseconds(static_cast<long long>(*scenario.killAt * usualRunMs_));
-  const ChildRun first = runVarnel(renewArguments(scenario, server, batch), killAfter);
+  if (scenario.killAt) killAfter = std::chrono::milliseconds(static_cast<long long>(*scenario.killAt * pace.usualRunMs));
+  const ChildRun first = runVarnel(renewArguments(scenario, server, batch), killAfter, batch);
   const auto firstEnded = Clock::now();
   // A run that ended before its kill instant was not killed.
   record.killed = first.end == ChildRun::End::killed;
   if (scenario.fault) server.clearFaults();
   if (!scenario.fault && !scenario.killAt && first.end == ChildRun::End::exited && first.status != 2) {
     // A running mean over the last few dozen unfaulted runs.
-    usualRuns_ = std::min(usualRuns_ + 1, 32);
-    usualRunMs_ += (static_cast<double>(first.elapsed.count()) - usualRunMs_) / usualRuns_;
+    pace.usualRuns = std::min(pace.usualRuns + 1, 32);
+    pace.usualRunMs += (static_cast<double>(first.elapsed.count()) - pace.usualRunMs) / pace.usualRuns;
   }
   bool finishedNothing = false;
   bool settled = account(record, first, false, finishedNothing);
@@ -184,7 +185,8 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
   for (std::size_t attempt = 0; !settled && attempt < scenario.resumeRuns.size(); ++attempt) {
     const bool resume = scenario.resumeRuns[attempt] && !renewAgain;
     const ChildRun next = runVarnel(
-        resume ? resumeArguments(scenario, server, batch) : renewArguments(scenario, server, batch), std::nullopt);
+        resume ? resumeArguments(scenario, server, batch) : renewArguments(scenario, server, batch), std::nullopt,
+        batch);
     settled = account(record, next, resume, finishedNothing);
     ++record.runs;
     // Nothing was pending (the killed run stopped before its checkout was
@@ -203,65 +205,87 @@ RenewalRecord Soak::renew(const RenewalScenario& scenario, MockServer& server, c
   return record;
 }
 
+Soak::BatchResult Soak::runBatch(int first, int count, const std::vector<RenewalScenario>& scenarios,
+                                 Clock::time_point deadline) {
+  BatchResult result;
+  const auto directory = work_ / ("batch-" + std::to_string(first / options_.batchSize));
+  std::filesystem::create_directories(directory);
+  const Batch batch{directory / "guest.json", directory / "defaults.sqlite3", directory};
+  std::string problem = writeChaosGuest(batch.guestFile, first, count);
+  std::unique_ptr<MockServer> server;
+  if (problem.empty()) server = MockServer::start(options_.mockCommerce, batch.guestFile, directory / "server.err", problem);
+  if (!server) {
+    result.problems.push_back(problem);
+    result.serverStarted = false;
+    return result;
+  }
+  Pace pace;
+  std::set<std::string> known;
+  for (int index = first; index < first + count; ++index) {
+    if (Clock::now() >= deadline) {
+      result.incomplete = true;
+      break;
+    }
+    const RenewalScenario& scenario = scenarios[static_cast<std::size_t>(index)];
+    RenewalRecord record = renew(scenario, *server, batch, pace);
+    if (const auto charges = server->charges()) {
+      for (const auto& [order, charged] : *charges) {
+        if (known.insert(order).second) record.orders.insert(order);
+      }
+    }
+    if (options_.verbose) {
+      static const char* told[] = {"nothing", "confirmed", "refused", "unknown"};
+      std::lock_guard lock(verboseMutex_);
+      std::cerr << describe(scenario) << " -> " << told[static_cast<int>(record.told)]
+                << (record.toldUnknown ? " (after unknown)" : "") << ", " << record.runs << " run(s), "
+                << record.elapsed.count() << " ms"
+                << (record.told == Told::refused ? " [" + record.lastReason + "]" : std::string()) << '\n';
+    }
+    result.records.push_back(std::move(record));
+    if (!server->alive()) break;
+  }
+  result.charges = server->charges();
+  if (!result.charges) result.problems.push_back("the mock server did not answer its charges");
+  if (const std::string crash = server->stop(); !crash.empty()) {
+    result.serverCrashed = true;
+    result.problems.push_back("the mock commerce server crashed: " + crash);
+  }
+  return result;
+}
+
 bool Soak::run(Figures& figures, std::vector<std::string>& problems) {
   const auto start = Clock::now();
   const auto deadline = start + options_.deadline;
   const auto scenarios = drawScenarios(options_.seed, options_.renewals, options_.kills, options_.requestTimeout);
   Ledger ledger(options_.seed);
-  bool started = true;
-  for (int first = 0; first < options_.renewals && started; first += options_.batchSize) {
-    if (Clock::now() >= deadline) {
-      ledger.figures().incomplete = true;
-      break;
-    }
-    const int count = std::min(options_.batchSize, options_.renewals - first);
-    const auto directory = work_ / ("batch-" + std::to_string(first / options_.batchSize));
-    std::filesystem::create_directories(directory);
-    const Batch batch{directory / "guest.json", directory / "defaults.sqlite3"};
-    if (const std::string problem = writeChaosGuest(batch.guestFile, first, count); !problem.empty()) {
-      problems.push_back(problem);
-      started = false;
-      break;
-    }
-    std::string problem;
-    auto server = MockServer::start(options_.mockCommerce, batch.guestFile, directory / "server.err", problem);
-    if (!server) {
-      problems.push_back(problem);
-      started = false;
-      break;
-    }
-    std::vector<RenewalRecord> records;
-    std::set<std::string> known;
-    for (int index = first; index < first + count; ++index) {
+  std::mutex ledgerMutex;
+  std::atomic<int> nextFirst{0};
+  std::atomic<bool> started{true};
+  auto worker = [&] {
+    while (started) {
+      const int first = nextFirst.fetch_add(options_.batchSize);
+      if (first >= options_.renewals) return;
       if (Clock::now() >= deadline) {
+        std::lock_guard lock(ledgerMutex);
         ledger.figures().incomplete = true;
-        break;
+        return;
       }
-      const RenewalScenario& scenario = scenarios[static_cast<std::size_t>(index)];
-      RenewalRecord record = renew(scenario, *server, batch);
-      if (const auto charges = server->charges()) {
-        for (const auto& [order, charged] : *charges) {
-          if (known.insert(order).second) record.orders.insert(order);
-        }
+      BatchResult result = runBatch(first, std::min(options_.batchSize, options_.renewals - first), scenarios, deadline);
+      std::lock_guard lock(ledgerMutex);
+      problems.insert(problems.end(), result.problems.begin(), result.problems.end());
+      if (!result.serverStarted) {
+        started = false;
+        return;
       }
-      if (options_.verbose) {
-        static const char* told[] = {"nothing", "confirmed", "refused", "unknown"};
-        std::cerr << describe(scenario) << " -> " << told[static_cast<int>(record.told)]
-                  << (record.toldUnknown ? " (after unknown)" : "") << ", " << record.runs << " run(s), "
-                  << record.elapsed.count() << " ms"
-                  << (record.told == Told::refused ? " [" + record.lastReason + "]" : std::string()) << '\n';
-      }
-      records.push_back(std::move(record));
-      if (!server->alive()) break;
+      if (result.incomplete) ledger.figures().incomplete = true;
+      ledger.settleBatch(result.records, result.charges.value_or(std::map<std::string, int>{}), problems);
+      if (result.serverCrashed) ledger.serverCrashed();
     }
-    const auto charges = server->charges();
-    if (!charges) problems.push_back("the mock server did not answer its charges");
-    ledger.settleBatch(records, charges.value_or(std::map<std::string, int>{}), problems);
-    if (const std::string crash = server->stop(); !crash.empty()) {
-      ledger.serverCrashed();
-      problems.push_back("the mock commerce server crashed: " + crash);
-    }
-  }
+  };
+  std::vector<std::thread> workers;
+  for (int i = 1; i < options_.parallel; ++i) workers.emplace_back(worker);
+  worker();
+  for (auto& thread : workers) thread.join();
   figures = ledger.figures();
   figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
   return started;

@@ -97,6 +97,17 @@ std::string checkServerUrl(std::string& text) {
 
 }  // namespace
 
+CLI::Validator reference() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        const bool printable = std::all_of(text.begin(), text.end(), [](char c) { return c > 0x20 && c < 0x7f; });
+        if (printable && text.size() <= kReferenceMaxLength) return "";
+        return echoed(text) + " is not an identifier (1 to " + std::to_string(kReferenceMaxLength) +
+               " printable ASCII characters, no spaces)";
+      },
+      "ID", "REFERENCE");
+}
+
 std::string echoed(std::string_view value) {
   std::string shown;
   std::size_t characters = 0;

@@ -28,6 +28,11 @@ void refuseEmptyValues(CLI::App& app);
 /// Marks an argument whose value may be empty text (a settings value).
 CLI::Option* allowEmpty(CLI::Option* option);
 
+/// A pass's product instance ID or a stored card's reference: 1 to
+/// kReferenceMaxLength printable ASCII characters, no spaces.
+inline constexpr std::size_t kReferenceMaxLength = 128;
+CLI::Validator reference();
+
 /// A card's security code: 3 or 4 ASCII digits. The code is never echoed.
 CLI::Validator securityCode();
 

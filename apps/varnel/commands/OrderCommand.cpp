@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "commands/CommerceSession.h"
 #include "commands/ErrorReport.h"
 #include "commands/OrderText.h"
@@ -46,7 +47,9 @@ void registerOrderCommand(CLI::App& app) {
   auto options = std::make_shared<OrderOptions>();
   CLI::App* create = order->add_subcommand("create", "Create a renewal order for annual passes");
   addCommerceOptions(*create, options->commerce);
-  create->add_option("--pass", options->passes, "Product instance ID of a pass to renew (repeatable)")->required();
+  create->add_option("--pass", options->passes, "Product instance ID of a pass to renew (repeatable)")
+      ->required()
+      ->check(reference());
   create->add_option("--plan", options->plan, "Payment plan: full (default) or monthly")
       ->check(CLI::IsMember({"full", "monthly"}));
   create->callback([options] {

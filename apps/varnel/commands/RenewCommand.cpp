@@ -126,7 +126,7 @@ int renew(const RenewOptions& options) {
   if (!options.pass.empty()) {
     const auto pass = findPass(session.varnel(), options.pass);
     const auto state = renewableState(*pass);
-    if (!state) throw UsageError("\"" + options.pass + "\" is not an annual pass and cannot be renewed");
+    if (!state) throw UsageError(echoed(options.pass) + " is not an annual pass and cannot be renewed");
   }
   RenewalRequest request;
   request.passId = options.pass;
@@ -146,8 +146,10 @@ void registerRenewCommand(CLI::App& app) {
       "confirmed and will not be charged twice; `varnel renew --resume` finishes it");
   addCommerceOptions(*command, options->commerce);
   command->add_option("--pass", options->pass,
-                      "Product instance ID of the pass to renew (default: the first renewable now)");
-  command->add_option("--card", options->card, "Reference of the stored card to pay with (default: the first)");
+                      "Product instance ID of the pass to renew (default: the first renewable now)")
+      ->check(reference());
+  command->add_option("--card", options->card, "Reference of the stored card to pay with (default: the first)")
+      ->check(reference());
   command->add_option("--cvv", options->cvv, "The card's security code")->check(securityCode());
   command->add_option("--plan", options->plan, "Payment plan: full (default) or monthly")
       ->check(CLI::IsMember({"full", "monthly"}));

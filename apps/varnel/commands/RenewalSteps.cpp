@@ -1,6 +1,7 @@
 #include "commands/RenewalSteps.h"
 
 #include "Command.h"
+#include "OptionChecks.h"
 #include "varnel/entitlements/VNLEntitlementAnnualPass.h"
 #include "varnel/services/CommerceRequests.h"
 #include "varnel/services/VNLCreateOrderParameters.h"
@@ -19,7 +20,7 @@ std::shared_ptr<VNLEntitlement> findPass(const VNLVarnel& varnel, const std::str
     if (entitlement->productInstanceID() == productInstanceId) return entitlement;
     known += (known.empty() ? "" : ", ") + entitlement->productInstanceID();
   }
-  throw UsageError("the guest has no pass \"" + productInstanceId + "\" (the guest's passes: " +
+  throw UsageError("the guest has no pass " + echoed(productInstanceId) + " (the guest's passes: " +
                    (known.empty() ? "none" : known) + ")");
 }
 

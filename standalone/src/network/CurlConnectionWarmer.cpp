@@ -1,7 +1,5 @@
 #include "varnel/standalone/network/CurlConnectionWarmer.h"
 
-#include <curl/curl.h>
-
 #include <mutex>
 #include <optional>
 
@@ -10,47 +8,47 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// "scheme://host:port/" of an http(s) URL, through libcurl's URL parser.
-std::optional<std::string> originOf(const std::string& url) {
-  CURLU* parsed = curl_url();
-  if (!parsed) return std::nullopt;
-  std::optional<std::string> origin;
-  if (curl_url_set(parsed, CURLUPART_URL, url.c_str(), 0) == CURLUE_OK) {
-    char* scheme = nullptr;
-    char* host = nullptr;
-    char* port = nullptr;
-    if (curl_url_get(parsed, CURLUPART_SCHEME, &scheme, 0) == CURLUE_OK &&
-        curl_url_get(parsed, CURLUPART_HOST, &host, 0) == CURLUE_OK &&
-        curl_url_get(parsed, CURLUPART_PORT, &port, CURLU_DEFAULT_PORT) == CURLUE_OK) {
-      const std::string protocol = scheme;
-      if (protocol == "http" || protocol == "https") origin = protocol + "://" + host + ":" + port + "/";
-    }
-    curl_free(scheme);
-    curl_free(host);
-    curl_free(port);
-  }
-  curl_url_cleanup(parsed);
-  return origin;
+/// "OPTIONS *": a request to the server itself rather than to a resource.
+HttpRequest pingOf(std::string origin) {
+  HttpRequest ping;
+  ping.method = "OPTIONS";
+  ping.url = std::move(origin);
+  ping.requestTarget = std::string(1, '*');
+  return ping;
 }
 
-/// One hold's pings: each one's end schedules the next, until released.
+/// One hold's pings. Each check sends a ping when nothing to the origin was
+/// answered for keepWarmEvery (at the first check: when nothing ever was, so
+/// that a connection opens now), and otherwise looks again when that time
+/// will have passed; a ping's answer checks again, a failed ping a period
+/// later.
 class Pings : public std::enable_shared_from_this<Pings> {
  public:
   Pings(std::weak_ptr<HttpClient> client, std::string origin, std::chrono::milliseconds every,
         Clock::time_point until)
-      : client_(std::move(client)), every_(every), until_(until) {
-    ping_.method = "OPTIONS";
-    ping_.url = std::move(origin);
-    ping_.requestTarget = "*";
-  }
+      : client_(std::move(client)), ping_(pingOf(std::move(origin))), every_(every), until_(until) {}
 
-  void schedule(std::chrono::milliseconds delay) {
+  void check() {
     const auto owner = client_.lock();
     std::lock_guard lock(mutex_);
     pending_.reset();
-    if (!owner || released_ || Clock::now() + delay > until_) return;
-    pending_ = owner->transport().send(
-        ping_, [self = shared_from_this()](HttpOutcome) { self->schedule(self->every_); }, delay);
+    const auto now = Clock::now();
+    if (!owner || released_ || now >= until_) return;
+    CurlTransport& transport = owner->transport();
+    const auto answered = transport.lastAnswered(ping_.url);
+    auto self = shared_from_this();
+    if (!answered || now - *answered >= every_) {
+      pending_ = transport.send(ping_, [self](HttpOutcome outcome) {
+        if (outcome.answered()) return self->check();
+        // Refused, reset or cancelled: look again a period later, not at once.
+        if (const auto client = self->client_.lock()) {
+          client->transport().postAfter(self->every_, [self] { self->check(); });
+        }
+      });
+    } else {
+      transport.postAfter(std::chrono::ceil<std::chrono::milliseconds>(*answered + every_ - now),
+                          [self] { self->check(); });
+    }
   }
 
   void release() {
@@ -89,7 +87,7 @@ std::unique_ptr<ConnectionWarmer::Hold> CurlConnectionWarmer::keepWarm(const std
   if (!client || !origin) return std::make_unique<PingHold>(nullptr);
   const TransportOptions& options = client->transport().options();
   auto pings = std::make_shared<Pings>(client_, *origin, options.keepWarmEvery, Clock::now() + options.keepWarmFor);
-  pings->schedule(std::chrono::milliseconds(0));
+  pings->check();
   return std::make_unique<PingHold>(std::move(pings));
 }
 

@@ -96,6 +96,8 @@ struct CurlTransport::State {
   std::vector<std::unique_ptr<Transfer>> waiting;  // not yet handed to libcurl
   std::vector<TransferId> cancellations;
   std::vector<std::function<void()>> tasks;
+  std::vector<std::pair<Clock::time_point, std::function<void()>>> timers;
+  std::map<std::string, Clock::time_point> lastAnswer;
 
   // Worker-thread only.
   std::map<TransferId, std::unique_ptr<Transfer>> active;
@@ -229,6 +231,10 @@ void CurlTransport::State::collectFinished(std::vector<std::unique_ptr<Transfer>
       long status = 0;
       curl_easy_getinfo(transfer->easy, CURLINFO_RESPONSE_CODE, &status);
       transfer->outcome.status = status;
+      if (const auto origin = originOf(transfer->request.url)) {
+        std::lock_guard lock(mutex);
+        lastAnswer[*origin] = Clock::now();
+      }
     } else {
       const std::string detail = transfer->errorText[0] ? transfer->errorText : curl_easy_strerror(result);
       transfer->outcome.failure = TransportFailure{static_cast<int>(result), detail};
@@ -247,10 +253,12 @@ void CurlTransport::State::recycle(Transfer& transfer) {
 int CurlTransport::State::pollTimeoutMs(Clock::time_point now) {
   auto timeout = std::chrono::milliseconds(1000);
   std::lock_guard lock(mutex);
-  for (const auto& transfer : waiting) {
-    auto untilDue = std::chrono::ceil<std::chrono::milliseconds>(transfer->due - now);
+  auto wait = [&](Clock::time_point due) {
+    auto untilDue = std::chrono::ceil<std::chrono::milliseconds>(due - now);
     timeout = std::min(timeout, std::max(untilDue, std::chrono::milliseconds(0)));
-  }
+  };
+  for (const auto& transfer : waiting) wait(transfer->due);
+  for (const auto& timer : timers) wait(timer.first);
   return static_cast<int>(timeout.count());
 }
 
@@ -266,6 +274,11 @@ void CurlTransport::State::run() {
     {
       std::lock_guard lock(mutex);
       posted.swap(tasks);
+      const auto now = Clock::now();
+      auto notDue = std::stable_partition(timers.begin(), timers.end(),
+                                          [now](const auto& timer) { return timer.first <= now; });
+      for (auto timer = timers.begin(); timer != notDue; ++timer) posted.push_back(std::move(timer->second));
+      timers.erase(timers.begin(), notDue);
     }
     for (auto& task : posted) {
       if (stopping) break;
@@ -288,6 +301,7 @@ void CurlTransport::State::run() {
   std::lock_guard lock(mutex);
   waiting.clear();
   tasks.clear();
+  timers.clear();
   for (CURL* easy : idle) curl_easy_cleanup(easy);
   idle.clear();
   curl_multi_cleanup(multi);
@@ -337,6 +351,12 @@ void CurlTransport::post(std::function<void()> task) {
   state_->wake();
 }
 
+void CurlTransport::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
+  std::lock_guard lock(state_->mutex);
+  state_->timers.emplace_back(Clock::now() + delay, std::move(task));
+  state_->wake();
+}
+
 void CurlTransport::cancel(TransferId transfer) {
   std::lock_guard lock(state_->mutex);
   state_->cancellations.push_back(transfer);
@@ -346,6 +366,35 @@ void CurlTransport::cancel(TransferId transfer) {
 std::int64_t CurlTransport::connectionsOpened() const { return state_->connectionsOpened.load(); }
 
 const TransportOptions& CurlTransport::options() const { return state_->options; }
+
+std::optional<Clock::time_point> CurlTransport::lastAnswered(const std::string& origin) const {
+  std::lock_guard lock(state_->mutex);
+  const auto found = state_->lastAnswer.find(origin);
+  if (found == state_->lastAnswer.end()) return std::nullopt;
+  return found->second;
+}
+
+std::optional<std::string> originOf(const std::string& url) {
+  CURLU* parsed = curl_url();
+  if (!parsed) return std::nullopt;
+  std::optional<std::string> origin;
+  if (curl_url_set(parsed, CURLUPART_URL, url.c_str(), 0) == CURLUE_OK) {
+    char* scheme = nullptr;
+    char* host = nullptr;
+    char* port = nullptr;
+    if (curl_url_get(parsed, CURLUPART_SCHEME, &scheme, 0) == CURLUE_OK &&
+        curl_url_get(parsed, CURLUPART_HOST, &host, 0) == CURLUE_OK &&
+        curl_url_get(parsed, CURLUPART_PORT, &port, CURLU_DEFAULT_PORT) == CURLUE_OK) {
+      const std::string protocol = scheme;
+      if (protocol == "http" || protocol == "https") origin = protocol + "://" + host + ":" + port + "/";
+    }
+    curl_free(scheme);
+    curl_free(host);
+    curl_free(port);
+  }
+  curl_url_cleanup(parsed);
+  return origin;
+}
 
 bool TransportFailure::certificateRejected() const { return code == CURLE_PEER_FAILED_VERIFICATION; }
 

@@ -1,13 +1,16 @@
 #pragma once
 // The stand-alone ConnectionWarmer, over the transport's connection pool.
-// While a hold lives it sends "OPTIONS *" to the origin (HTTP's request to the
-// server itself, a no-op: no resource, no body, no credentials) at once and
-// then every keepWarmEvery, so that the pool always has a connection the
-// server has not yet closed for idleness, TLS session included. It stops when
-// the hold is released, after keepWarmFor, or when the client goes. The
-// answer's status does not matter, nor does a failure: the next one tries
-// again. Pings are not requests of the module: they are neither retried,
-// logged nor counted in HttpClient::callsInFlight().
+// While a hold lives, whenever nothing to the origin has been answered for
+// keepWarmEvery it sends "OPTIONS *" there (HTTP's request to the server
+// itself, a no-op: no resource, no body, no credentials), so that the pool
+// always has a connection the server has not yet closed for idleness, TLS
+// session included. A hold taken when the origin was never answered pings at
+// once: a connection opens while the guest decides. A guest who decides
+// within keepWarmEvery costs no ping at all. It stops when the hold is
+// released, after keepWarmFor, or when the client goes; the status of a ping's
+// answer does not matter, nor does a failure. Pings are not requests of the
+// module: they are neither retried, logged nor counted in
+// HttpClient::callsInFlight().
 
 #include <memory>
 #include <string>

@@ -22,6 +22,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "varnel/standalone/network/HttpExchange.h"
 
@@ -44,6 +45,10 @@ struct TransportOptions {
   std::chrono::seconds keepWarmFor{180};
 };
 
+/// "scheme://host:port/" of an http(s) URL, as libcurl parses it; none for
+/// another URL.
+std::optional<std::string> originOf(const std::string& url);
+
 class CurlTransport {
  public:
   using Completion = std::function<void(HttpOutcome outcome)>;
@@ -60,6 +65,9 @@ class CurlTransport {
 
   /// Runs `task` on the worker thread, after what is already waiting there.
   void post(std::function<void()> task);
+  /// Runs `task` on the worker thread once `delay` has passed (never after
+  /// the transport is destroyed).
+  void postAfter(std::chrono::milliseconds delay, std::function<void()> task);
 
   /// Ends a transfer that has not completed; its completion reports a
   /// cancelled failure. Unknown or finished transfers are ignored.
@@ -69,6 +77,10 @@ class CurlTransport {
   std::int64_t connectionsOpened() const;
 
   const TransportOptions& options() const;
+
+  /// When a transfer to `origin` (as originOf gives it) last ended with an
+  /// answer, its connection then left open for the next; none if never.
+  std::optional<std::chrono::steady_clock::time_point> lastAnswered(const std::string& origin) const;
 
  private:
   struct State;
