@@ -3,12 +3,15 @@
 // killed while its checkout is on the wire is finished by --resume with no
 // second charge.
 
+#include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -44,20 +47,28 @@ class RenewalRecoveryTest : public ::testing::Test {
 
   /// Starts `varnel renew ARGUMENTS --server ...` with the store `store`; output discarded.
   pid_t spawn(const std::string& store, const std::vector<std::string>& arguments) {
+    // posix_spawn: a child forked from this many-threaded test must not
+    // allocate before exec (another thread may hold the allocator's lock).
     std::vector<std::string> words{VARNEL_CLI_PATH, "renew", "--server", server->baseUrl(),
                                    "--defaults", (directory / store).string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    const pid_t child = fork();
-    if (child == 0) {
-      std::vector<char*> argv;
-      for (auto& word : words) argv.push_back(word.data());
-      argv.push_back(nullptr);
-      setenv("VARNEL_RESOURCE_DIR", VARNEL_TEST_RESOURCE_DIR, 1);
-      freopen("/dev/null", "w", stdout);
-      freopen("/dev/null", "w", stderr);
-      execv(argv[0], argv.data());
-      _exit(127);
+    std::vector<std::string> environment{std::string("VARNEL_RESOURCE_DIR=") + VARNEL_TEST_RESOURCE_DIR};
+    for (char** variable = environ; *variable; ++variable) {
+      if (!std::string_view(*variable).starts_with("VARNEL_RESOURCE_DIR=")) environment.emplace_back(*variable);
     }
+    std::vector<char*> argv;
+    for (auto& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    std::vector<char*> envp;
+    for (auto& entry : environment) envp.push_back(entry.data());
+    envp.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t child = -1;
+    EXPECT_EQ(posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), envp.data()), 0);
+    posix_spawn_file_actions_destroy(&actions);
     return child;
   }
   static int exitStatus(pid_t child) {
@@ -106,7 +117,7 @@ TEST_F(RenewalRecoveryTest, ARenewalKilledDuringItsCheckoutIsFinishedByResumeWit
   const pid_t renewal = spawn("store.sqlite3", {"--accept-terms"});
   // Kill it once its checkout is on the wire: the journal holds it by then.
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (server->journal().empty() || server->journal().back().value("endpoint", "") != "create-order-purchase") {
+  while (server->journal().empty() || server->journal().back()["endpoint"] != "create-order-purchase") {
     ASSERT_LT(std::chrono::steady_clock::now(), giveUp) << "the checkout never left";
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }

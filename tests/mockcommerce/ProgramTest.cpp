@@ -25,15 +25,16 @@ struct Child {
 Child launch(std::vector<std::string> arguments) {
   int pipeEnds[2];
   if (pipe(pipeEnds) != 0) return {};
+  // Ready before fork: the child of a threaded process must not allocate.
+  std::vector<char*> argv{const_cast<char*>(VARNEL_MOCK_COMMERCE_PATH)};
+  for (auto& argument : arguments) argv.push_back(argument.data());
+  argv.push_back(nullptr);
   pid_t pid = fork();
   if (pid == 0) {
     dup2(pipeEnds[1], STDOUT_FILENO);
     int null = open("/dev/null", O_WRONLY);
     dup2(null, STDERR_FILENO);
     close(pipeEnds[0]);
-    std::vector<char*> argv{const_cast<char*>(VARNEL_MOCK_COMMERCE_PATH)};
-    for (auto& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
     execv(argv[0], argv.data());
     _exit(127);
   }
