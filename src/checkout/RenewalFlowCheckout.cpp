@@ -83,6 +83,7 @@ void RenewalFlow::Impl::resumeEntry(const RenewalJournalEntry& entry) {
   outcome_.finishedEarlier = true;
   outcome_.passId = entry.passId;
   outcome_.orderId = entry.orderId;
+  if (entry.confirmedUntold()) return tellEarlierConfirmation();
   stepStarted(Step::checkout);
   if (!entry.securityCodeEntered) return securityCodeGiven(std::string(PurchaseHandler::ParameterDictionaryConstants::tempraryCVV));
   if (!request_.securityCode.empty()) return securityCodeGiven(request_.securityCode);
@@ -90,6 +91,17 @@ void RenewalFlow::Impl::resumeEntry(const RenewalJournalEntry& entry) {
   tell([entry, reply = reply(&Impl::securityCodeGiven)](RenewalFlowDelegate& delegate) {
     delegate.askSecurityCode(entry, reply);
   });
+}
+
+void RenewalFlow::Impl::tellEarlierConfirmation() {
+  RenewalConfirmation::Fields fields;
+  fields.confirmationNumber = entry_.confirmationNumber;
+  fields.status = std::string(kBookedOrderStatus);
+  fields.paymentPlan = entry_.monthlyPlan;
+  outcome_.confirmation = RenewalConfirmation(std::move(fields));
+  stepStarted(Step::confirmation);
+  stepFinished(Step::confirmation);
+  conclude(RenewalOutcome::Kind::confirmed, Step::confirmation, std::nullopt, "");
 }
 
 void RenewalFlow::Impl::securityCodeGiven(std::optional<std::string> code) {
@@ -189,7 +201,14 @@ void RenewalFlow::Impl::conclude(RenewalOutcome::Kind kind, Step step, std::opti
   outcome_.step = step;
   outcome_.error = error;
   outcome_.reason = std::move(reason);
-  tell([outcome = outcome_](RenewalFlowDelegate& delegate) { delegate.renewalFlowDidEnd(outcome); });
+  outcome_.journalEntry = entry_.state == State::claimed ? 0 : entry_.id;
+  // A confirmation counts as told once the delegate has had it; a process
+  // that ends before tells it on its next run.
+  const std::int64_t toldEntry = kind == RenewalOutcome::Kind::confirmed ? outcome_.journalEntry : 0;
+  tell([outcome = outcome_, journal = journal_, toldEntry](RenewalFlowDelegate& delegate) {
+    delegate.renewalFlowDidEnd(outcome);
+    if (toldEntry != 0 && !delegate.showsOutcomeLater()) journal->markTold(toldEntry);
+  });
 }
 
 void RenewalFlow::Impl::stepStarted(Step step) {

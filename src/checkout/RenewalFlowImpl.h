@@ -50,6 +50,8 @@ struct RenewalFlow::Impl : std::enable_shared_from_this<RenewalFlow::Impl> {
   // RenewalFlowCheckout.cpp: the checkout, its outcome, and finishing.
   void checkout();
   void resumeEntry(const RenewalJournalEntry& entry);
+  /// A confirmed entry whose guest was never told: told now, nothing sent.
+  void tellEarlierConfirmation();
   void securityCodeGiven(std::optional<std::string> code);
   void sendCheckout();
   void checkoutAnswered(const checkout_detail::RequestEnd& end);

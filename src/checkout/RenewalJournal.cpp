@@ -51,6 +51,7 @@ Json RenewalJournalEntry::toJson() const {
               {"amount", amount},
               {"currency", currency},
               {"confirmationNumber", confirmationNumber},
+              {"told", told},
               {"createdAt", createdAt},
               {"updatedAt", updatedAt}};
 }
@@ -80,7 +81,7 @@ RenewalJournal::Claim InMemoryRenewalJournal::claim(const std::string& guestId, 
       continue;
     }
     if (it->owned) return Claim{Claim::Kind::busy, entry, false, "a renewal of this pass is in flight"};
-    if (entry.state == State::pending) {
+    if (entry.state == State::pending || entry.confirmedUntold()) {
       it->owned = true;
       return Claim{Claim::Kind::unfinished, entry, false, ""};
     }
@@ -101,7 +102,7 @@ RenewalJournal::Claim InMemoryRenewalJournal::claim(const std::string& guestId, 
 RenewalJournal::Claim InMemoryRenewalJournal::claimEntry(std::int64_t id) {
   std::lock_guard lock(mutex_);
   Row* row = find(id);
-  if (!row || row->entry.state != State::pending) {
+  if (!row || !(row->entry.state == State::pending || row->entry.confirmedUntold())) {
     return Claim{Claim::Kind::failed, {}, false, "the journal holds no unfinished renewal " + std::to_string(id)};
   }
   if (row->owned) return Claim{Claim::Kind::busy, row->entry, false, "the renewal is being finished"};
@@ -134,6 +135,14 @@ std::optional<Error> InMemoryRenewalJournal::finish(std::int64_t id, State state
   return std::nullopt;
 }
 
+void InMemoryRenewalJournal::markTold(std::int64_t id) {
+  std::lock_guard lock(mutex_);
+  if (Row* row = find(id)) {
+    row->entry.told = true;
+    row->owned = false;
+  }
+}
+
 void InMemoryRenewalJournal::release(std::int64_t id) {
   std::lock_guard lock(mutex_);
   Row* row = find(id);
@@ -147,7 +156,9 @@ void InMemoryRenewalJournal::release(std::int64_t id) {
 
 std::vector<RenewalJournalEntry> InMemoryRenewalJournal::unfinished(const std::string& guestId) const {
   std::vector<RenewalJournalEntry> found = entries(guestId);
-  std::erase_if(found, [](const RenewalJournalEntry& entry) { return entry.state != State::pending; });
+  std::erase_if(found, [](const RenewalJournalEntry& entry) {
+    return entry.state != State::pending && !entry.confirmedUntold();
+  });
   return found;
 }
 

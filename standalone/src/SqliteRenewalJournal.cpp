@@ -24,11 +24,16 @@ constexpr const char* kCreateJournal =
     " owner TEXT NOT NULL DEFAULT '', order_id TEXT NOT NULL DEFAULT '', monthly INTEGER NOT NULL DEFAULT 0,"
     " card TEXT NOT NULL DEFAULT '', code_entered INTEGER NOT NULL DEFAULT 0, amount TEXT NOT NULL DEFAULT '',"
     " currency TEXT NOT NULL DEFAULT '', idempotency_key TEXT NOT NULL DEFAULT '', checkout TEXT NOT NULL DEFAULT '',"
-    " confirmation TEXT NOT NULL DEFAULT '', created INTEGER NOT NULL, updated INTEGER NOT NULL)";
+    " confirmation TEXT NOT NULL DEFAULT '', created INTEGER NOT NULL, updated INTEGER NOT NULL,"
+    " told INTEGER NOT NULL DEFAULT 0)";
+/// A file written before the guest's being told was kept: what it holds was told.
+constexpr const char* kAddTold = "ALTER TABLE renewals ADD COLUMN told INTEGER NOT NULL DEFAULT 1";
+/// Entries a later run finishes: a pending checkout, or a confirmation not yet told.
+constexpr const char* kUnfinished = "(state = 'pending' OR (state = 'confirmed' AND told = 0))";
 
 constexpr const char* kColumns =
     "SELECT id, guest, pass, state, owner, order_id, monthly, card, code_entered, amount, currency,"
-    " idempotency_key, checkout, confirmation, created, updated FROM renewals";
+    " idempotency_key, checkout, confirmation, created, updated, told FROM renewals";
 
 std::int64_t nowSeconds() {
   return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
@@ -79,6 +84,14 @@ bool ownerRuns(const std::string& owner) {
   return kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;
 }
 
+bool hasColumn(sqlite3* database, const std::string& name) {
+  Statement columns(database, "PRAGMA table_info(renewals)");
+  while (columns.step() == SQLITE_ROW) {
+    if (columns.text(1) == name) return true;
+  }
+  return false;
+}
+
 RenewalJournalEntry readEntry(const Statement& row, std::string* owner) {
   RenewalJournalEntry entry;
   entry.id = row.integer(0);
@@ -97,6 +110,7 @@ RenewalJournalEntry readEntry(const Statement& row, std::string* owner) {
   entry.confirmationNumber = row.text(13);
   entry.createdAt = row.integer(14);
   entry.updatedAt = row.integer(15);
+  entry.told = row.integer(16) != 0;
   return entry;
 }
 
@@ -135,6 +149,7 @@ Result<std::shared_ptr<SqliteRenewalJournal>> SqliteRenewalJournal::open(const s
       !execute(database.get(), kCreateJournal)) {
     return failed("set up");
   }
+  if (!hasColumn(database.get(), "told") && !execute(database.get(), kAddTold)) return failed("update");
   return std::shared_ptr<SqliteRenewalJournal>(new SqliteRenewalJournal(database.release(), path));
 }
 
@@ -157,7 +172,7 @@ RenewalJournal::Claim SqliteRenewalJournal::claim(const std::string& guestId, co
   Claim claim{Claim::Kind::fresh, {}, false, ""};
   {
     Statement open(database_, (std::string(kColumns) +
-                               " WHERE guest = ?1 AND pass = ?2 AND state IN ('claimed', 'pending') ORDER BY id")
+                               " WHERE guest = ?1 AND pass = ?2 AND (state = 'claimed' OR " + kUnfinished + ") ORDER BY id")
                                   .c_str());
     open.bind(1, guestId);
     open.bind(2, passId);
@@ -165,7 +180,7 @@ RenewalJournal::Claim SqliteRenewalJournal::claim(const std::string& guestId, co
       std::string owner;
       RenewalJournalEntry entry = readEntry(open, &owner);
       if (ownerRuns(owner)) return Claim{Claim::Kind::busy, entry, false, "a renewal of this pass is in flight"};
-      if (entry.state == State::pending && claim.kind == Claim::Kind::fresh) {
+      if ((entry.state == State::pending || entry.confirmedUntold()) && claim.kind == Claim::Kind::fresh) {
         claim.kind = Claim::Kind::unfinished;
         claim.entry = std::move(entry);
       } else if (entry.state == State::claimed) {
@@ -203,7 +218,7 @@ RenewalJournal::Claim SqliteRenewalJournal::claimEntry(std::int64_t id) {
   std::lock_guard lock(mutex_);
   Transaction transaction(database_);
   if (!transaction.begun()) return Claim{Claim::Kind::failed, {}, false, localizedDescription(lastError("claim"))};
-  Statement find(database_, (std::string(kColumns) + " WHERE id = ?1 AND state = 'pending'").c_str());
+  Statement find(database_, (std::string(kColumns) + " WHERE id = ?1 AND " + kUnfinished).c_str());
   find.bind(1, id);
   if (find.step() != SQLITE_ROW) {
     return Claim{Claim::Kind::failed, {}, false, "the journal holds no unfinished renewal " + std::to_string(id)};
@@ -264,6 +279,13 @@ std::optional<Error> SqliteRenewalJournal::finish(std::int64_t id, State state, 
   return std::nullopt;
 }
 
+void SqliteRenewalJournal::markTold(std::int64_t id) {
+  std::lock_guard lock(mutex_);
+  Statement update(database_, "UPDATE renewals SET told = 1, owner = '' WHERE id = ?1");
+  update.bind(1, id);
+  update.step();
+}
+
 void SqliteRenewalJournal::release(std::int64_t id) {
   std::lock_guard lock(mutex_);
   Transaction transaction(database_);
@@ -281,7 +303,8 @@ void SqliteRenewalJournal::release(std::int64_t id) {
 std::vector<RenewalJournalEntry> SqliteRenewalJournal::select(const std::string& guestId, bool pendingOnly) const {
   std::lock_guard lock(mutex_);
   const std::string sql =
-      std::string(kColumns) + " WHERE guest = ?1" + (pendingOnly ? " AND state = 'pending'" : "") + " ORDER BY id";
+      std::string(kColumns) + " WHERE guest = ?1" + (pendingOnly ? std::string(" AND ") + kUnfinished : "") +
+      " ORDER BY id";
   Statement query(database_, sql.c_str());
   query.bind(1, guestId);
   std::vector<RenewalJournalEntry> found;

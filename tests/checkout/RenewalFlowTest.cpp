@@ -42,9 +42,12 @@ class ScriptedGuest final : public RenewalFlowDelegate {
     EXPECT_FALSE(outcome.has_value()) << "a renewal ended twice";
     outcome = ended;
   }
+  bool showsOutcomeLater() const override { return neverShows; }
 
   bool holdTerms = false;
   Reply heldTerms;
+  /// A host that dies before it shows the outcome.
+  bool neverShows = false;
   std::optional<RenewalOutcome> outcome;
 };
 
@@ -177,6 +180,23 @@ TEST_F(RenewalFlowTest, AnInterruptedCheckoutIsFinishedWithTheSameKeyAndChargedO
   }
   EXPECT_EQ(journalled().front().state, State::confirmed);
   EXPECT_EQ(journalled().front().confirmationNumber, finished->outcome->confirmation->confirmationNumber());
+}
+
+TEST_F(RenewalFlowTest, AConfirmationTheGuestNeverSawIsToldByTheNextRunWithoutSendingAnything) {
+  auto dying = std::make_shared<ScriptedGuest>();
+  dying->neverShows = true;
+  const auto first = renew({}, dying);
+  ASSERT_EQ(first->outcome->kind, Kind::confirmed) << first->outcome->reason;
+  ASSERT_TRUE(journalled().front().confirmedUntold());
+
+  const auto next = renew({});
+  ASSERT_EQ(next->outcome->kind, Kind::confirmed) << next->outcome->reason;
+  EXPECT_TRUE(next->outcome->finishedEarlier);
+  EXPECT_EQ(next->outcome->confirmation->confirmationNumber(), first->outcome->confirmation->confirmationNumber());
+  EXPECT_EQ(requestsTo("create-orders").size(), 1u);
+  EXPECT_EQ(requestsTo("create-order-purchase").size(), 1u);
+  EXPECT_TRUE(journalled().front().told);
+  EXPECT_TRUE(journal->unfinished(household.kuid.value_or("")).empty());
 }
 
 TEST_F(RenewalFlowTest, APassHasOneRenewalInFlightAndACancelBeforeCheckoutChargesNothing) {

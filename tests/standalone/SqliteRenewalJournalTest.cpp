@@ -1,7 +1,8 @@
 // The renewal journal in a real SQLite file: one renewal per pass across
 // connections, an entry left by a process that died is handed back to be
-// finished (and a claim that never reached the checkout is dropped), and no
-// security code reaches the file.
+// finished (and a claim that never reached the checkout is dropped), a
+// confirmation is handed back until its guest has been told, and no security
+// code reaches the file.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -53,8 +54,16 @@ TEST_F(SqliteRenewalJournalTest, APassIsClaimedOnceAcrossConnectionsUntilItsRene
   EXPECT_EQ(second->unfinished("guest").size(), 1u);
 
   ASSERT_FALSE(second->finish(again.entry.id, State::confirmed, "KX700001"));
-  EXPECT_TRUE(first->unfinished("guest").empty());
-  EXPECT_EQ(first->entries("guest").front().confirmationNumber, "KX700001");
+  second->release(again.entry.id);
+  // Confirmed but not yet told: the next claim tells it instead of renewing.
+  ASSERT_EQ(first->unfinished("guest").size(), 1u);
+  const auto untold = first->claim("guest", "AP-1");
+  ASSERT_EQ(untold.kind, Kind::unfinished);
+  EXPECT_TRUE(untold.entry.confirmedUntold());
+  EXPECT_EQ(untold.entry.confirmationNumber, "KX700001");
+  first->markTold(untold.entry.id);
+  EXPECT_TRUE(second->unfinished("guest").empty());
+  EXPECT_TRUE(second->entries("guest").front().told);
   EXPECT_EQ(first->claim("guest", "AP-1").kind, Kind::fresh);
 }
 

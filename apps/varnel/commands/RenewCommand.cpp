@@ -72,6 +72,8 @@ class CommandLineGuest final : public RenewalFlowDelegate {
     reply(options_.cvv.empty() ? std::nullopt : std::optional<std::string>(options_.cvv));
   }
   void renewalFlowDidEnd(const RenewalOutcome& ended) override { outcome = ended; }
+  // The outcome is printed once the renewal is over; see markPrintedTold().
+  bool showsOutcomeLater() const override { return true; }
 
   std::optional<RenewalOutcome> outcome;
 
@@ -106,6 +108,19 @@ RenewalOutcome runOne(CommerceSession& session, const RenewOptions& options, Ren
   return stuck;
 }
 
+/// Confirmations printed to a stdout that took them count as told; any
+/// other stays in the journal for the next run to tell.
+int markPrintedTold(int status, const std::vector<RenewalOutcome>& outcomes) {
+  auto journal = host::Registry::get<RenewalJournal>();
+  if (!journal || !std::cout.flush().good()) return status;
+  for (const RenewalOutcome& outcome : outcomes) {
+    if (outcome.kind == RenewalOutcome::Kind::confirmed && outcome.journalEntry != 0) {
+      journal->markTold(outcome.journalEntry);
+    }
+  }
+  return status;
+}
+
 int renew(const RenewOptions& options) {
   if (options.commerce.json) {
     // Banners would break the one JSON document on stdout.
@@ -120,7 +135,7 @@ int renew(const RenewOptions& options) {
       request.securityCode = options.cvv;
       outcomes.push_back(runOne(session, options, std::move(request)));
     }
-    return reportResumed(outcomes, session.parkContext(), options.commerce.json);
+    return markPrintedTold(reportResumed(outcomes, session.parkContext(), options.commerce.json), outcomes);
   }
   // A pass the guest does not have, or one that cannot be renewed, is bad input.
   if (!options.pass.empty()) {
@@ -134,7 +149,7 @@ int renew(const RenewOptions& options) {
   request.cardReference = options.card;
   request.securityCode = options.cvv;
   const RenewalOutcome outcome = runOne(session, options, std::move(request));
-  return reportRenewal(outcome, session.parkContext(), options.commerce.json);
+  return markPrintedTold(reportRenewal(outcome, session.parkContext(), options.commerce.json), {outcome});
 }
 
 void registerRenewCommand(CLI::App& app) {

@@ -101,8 +101,11 @@ struct RenewalOutcome {
   /// The request named a pass or card the guest does not have, or a pass
   /// that cannot be renewed now.
   bool badRequest = false;
-  /// This run finished an earlier, interrupted checkout.
+  /// This run finished an earlier, interrupted checkout (or told an earlier
+  /// confirmation the guest had not seen).
   bool finishedEarlier = false;
+  /// The renewal's journal entry; 0 when it never had one.
+  std::int64_t journalEntry = 0;
 };
 
 /// "confirmed", "refused" or "unknown".
@@ -145,8 +148,14 @@ class RenewalFlowDelegate {
   /// Finishing an interrupted checkout whose guest had entered a security code.
   virtual void askSecurityCode(const RenewalJournalEntry&, CodeReply reply) { reply(std::nullopt); }
 
-  /// Exactly once per start().
+  /// Exactly once per start(). A confirmation counts as shown to the guest
+  /// once this returns: its journal entry is marked told. Until then, a run
+  /// that ends (a killed process) leaves it to be told by the next one.
   virtual void renewalFlowDidEnd(const RenewalOutcome& outcome) = 0;
+  /// True for a host that shows the outcome only later (a tool that prints
+  /// after the renewal): it then calls RenewalJournal::markTold with the
+  /// outcome's journalEntry once the guest has the confirmation.
+  virtual bool showsOutcomeLater() const { return false; }
 };
 
 class RenewalFlow : public std::enable_shared_from_this<RenewalFlow> {

@@ -9,8 +9,13 @@
 //   claim(guest, pass)            -> claimed   (no order paid yet; the pass is taken)
 //   recordCheckout(entry)         -> pending   (durable before the checkout is sent)
 //   finish(id, confirmed/refused) -> done      (the answer arrived)
+//   markTold(id)                  -> the guest has seen the confirmation
 //   release(id)                   -> a claimed entry goes; a pending one stays,
 //                                    unowned, for the next run to finish
+//
+// A confirmed entry whose guest was never told (the process ended between
+// the answer and the telling) is unfinished too: the next run tells its
+// confirmation without sending anything.
 //
 // An entry belongs to the process that claimed it. An entry whose owner has
 // gone (released, or the process died) is taken over by the next claim: a
@@ -59,11 +64,15 @@ struct RenewalJournalEntry {
   Json checkoutBody;
   /// Set when confirmed.
   std::string confirmationNumber;
+  /// The guest has been shown the confirmation.
+  bool told = false;
   /// Seconds since 1970.
   std::int64_t createdAt = 0;
   std::int64_t updatedAt = 0;
 
-  bool unfinished() const { return state == State::claimed || state == State::pending; }
+  /// Confirmed, but the guest has not seen the confirmation yet.
+  bool confirmedUntold() const { return state == State::confirmed && !told; }
+  bool unfinished() const { return state == State::claimed || state == State::pending || confirmedUntold(); }
   /// "claimed", "pending", "confirmed" or "refused".
   static std::string_view stateName(State state);
   static std::optional<State> stateNamed(std::string_view name);
@@ -80,7 +89,8 @@ class RenewalJournal {
     enum class Kind {
       /// A new claimed entry: go on with a new renewal.
       fresh,
-      /// The pass has a pending renewal nobody is finishing: finish that one.
+      /// The pass has a pending renewal nobody is finishing (or a confirmed
+      /// one its guest was not told of): finish that one.
       unfinished,
       /// Another renewal of the pass (or of this entry) is in flight.
       busy,
@@ -108,9 +118,12 @@ class RenewalJournal {
   /// The checkout was answered.
   virtual std::optional<Error> finish(std::int64_t id, RenewalJournalEntry::State state,
                                       const std::string& confirmationNumber) = 0;
+  /// The guest has been shown the confirmation of the confirmed entry `id`.
+  virtual void markTold(std::int64_t id) = 0;
   /// The renewal stopped without an answer to act on (see the class comment).
   virtual void release(std::int64_t id) = 0;
-  /// The guest's pending entries (a checkout recorded, no answer acted on), oldest first.
+  /// The guest's pending entries (a checkout recorded, no answer acted on)
+  /// and confirmed ones not yet told, oldest first.
   virtual std::vector<RenewalJournalEntry> unfinished(const std::string& guestId) const = 0;
   /// Every entry of the guest, oldest first.
   virtual std::vector<RenewalJournalEntry> entries(const std::string& guestId) const = 0;
@@ -126,6 +139,7 @@ class InMemoryRenewalJournal final : public RenewalJournal {
   std::optional<Error> recordCheckout(const RenewalJournalEntry& entry) override;
   std::optional<Error> finish(std::int64_t id, RenewalJournalEntry::State state,
                               const std::string& confirmationNumber) override;
+  void markTold(std::int64_t id) override;
   void release(std::int64_t id) override;
   std::vector<RenewalJournalEntry> unfinished(const std::string& guestId) const override;
   std::vector<RenewalJournalEntry> entries(const std::string& guestId) const override;

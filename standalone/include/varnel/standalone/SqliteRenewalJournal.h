@@ -36,6 +36,7 @@ class SqliteRenewalJournal final : public RenewalJournal {
   std::optional<Error> recordCheckout(const RenewalJournalEntry& entry) override;
   std::optional<Error> finish(std::int64_t id, RenewalJournalEntry::State state,
                               const std::string& confirmationNumber) override;
+  void markTold(std::int64_t id) override;
   void release(std::int64_t id) override;
   std::vector<RenewalJournalEntry> unfinished(const std::string& guestId) const override;
   std::vector<RenewalJournalEntry> entries(const std::string& guestId) const override;
