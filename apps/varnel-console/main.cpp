@@ -125,22 +125,30 @@ int main(int argc, char** argv) {
   ConsoleOptions options;
   CLI::App app{"varnel-console: the tester screens of the commerce module in a window"};
   app.set_version_flag("--version", "varnel-console 0.1.0");
+  // An empty path or address is a mistake, never "the default".
+  const CLI::Validator nonEmpty(
+      [](std::string& value) { return value.empty() ? std::string("an empty value is not allowed") : std::string(); },
+      "", "NON_EMPTY");
   app.add_option("--defaults", options.defaultsPath,
                  "User-defaults store (default: $VARNEL_DEFAULTS, else ~/.config/varnel/defaults.sqlite3)")
-      ->type_name("PATH");
+      ->type_name("PATH")
+      ->check(nonEmpty);
   app.add_option("--park", options.park, "Park of the host's context: 1 west resort, 2 east resort")
       ->check(CLI::IsMember({1, 2}));
   app.add_option("--routing-server", options.routingServer,
                  "Base address of the mock server of server-error routing (http://host:port)")
       ->envname("VARNEL_ROUTING_SERVER")
-      ->type_name("URL");
+      ->type_name("URL")
+      ->check(nonEmpty);
   app.add_option("--server", options.commerceServer,
                  "Base URL of the commerce server of the guest's renewal (default: a mock commerce server started "
                  "in this process)")
-      ->type_name("URL");
+      ->type_name("URL")
+      ->check(nonEmpty);
   app.add_option("--screenshot", options.screenshotDirectory,
                  "Render every screen offscreen into DIR as PNG and exit")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(nonEmpty);
   app.add_flag("--verbose", options.verbose, "Show the module's debug lines on stderr");
   try {
     app.parse(argc, argv);
