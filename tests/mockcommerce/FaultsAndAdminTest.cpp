@@ -37,42 +37,6 @@ TEST(MockFaultParse, ReadsEveryKindAndRefusesNonsense) {
   EXPECT_EQ(route.value().header, "tkx_error_500");
 }
 
-TEST_F(MockCommerceTest, EachFaultKindIsWhatTheClientSees) {
-  struct Row {
-    std::string fault;
-    bool transportError;
-    int status;
-    std::string typeId;
-    bool json;
-  };
-  const std::vector<Row> rows = {
-      {"booking:SYSTEM_UNAVAILABLE", false, 500, "SYSTEM_UNAVAILABLE", true},
-      {"residency:072312", false, 400, "GUEST_RESIDENCY_NOT_VERIFIED", true},
-      {"status:201", false, 201, "SCRIPTED_STATUS", true},
-      {"delay:50", false, 200, "", true},
-      {"reset", true, 0, "", false},
-      {"empty", true, 0, "", false},
-      {"malformed", false, 200, "", false},
-      {"array", false, 200, "", true},
-  };
-  for (const auto& row : rows) {
-    server().clearFaults();
-    ASSERT_FALSE(server().setFault(EndpointFault::parse("get-payment-accounts=" + row.fault + "*1").value()));
-    auto result = client().Get(accountsPath().c_str(), auth());
-    EXPECT_EQ(!result, row.transportError) << row.fault;
-    if (!result) continue;
-    EXPECT_EQ(result->status, row.status) << row.fault;
-    EXPECT_EQ(typeIdOf(result), row.typeId) << row.fault;
-    EXPECT_EQ(!bodyOf(result).is_discarded(), row.json) << row.fault;
-  }
-  auto residency = EndpointFault::parse("get-payment-accounts=residency:072312*1").value();
-  server().setFault(residency);
-  EXPECT_EQ(bodyOf(client().Get(accountsPath().c_str(), auth()))["errors"][0]["systemErrorCode"], "072312");
-  auto array = EndpointFault::parse("get-payment-accounts=array*1").value();
-  server().setFault(array);
-  EXPECT_TRUE(bodyOf(client().Get(accountsPath().c_str(), auth())).is_array());
-}
-
 TEST_F(MockCommerceTest, ResetAfterChargesButLosesTheAnswerThenTheKeyRecoversIt) {
   std::string order = createOrder();
   ASSERT_FALSE(server().setFault(EndpointFault::parse("create-order-purchase=reset-after*1").value()));
