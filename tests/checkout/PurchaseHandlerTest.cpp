@@ -103,15 +103,6 @@ TEST_F(PurchaseHandlerTest, MissingHostValuesAreLoggedAndSentAbsent) {
   EXPECT_EQ(errors, 2u);
 }
 
-TEST_F(PurchaseHandlerTest, SendsTheBodyToTheOrdersCheckout) {
-  begin();
-  ASSERT_EQ(service->calls.size(), 1u);
-  EXPECT_EQ(service->calls[0].method, "POST");
-  EXPECT_EQ(service->calls[0].target, "https://commerce.example.test/orders/ORD-1/express-checkout");
-  EXPECT_EQ(service->calls[0].parameters, handler->parameterDictionaryForPurchase(testAccount(), testOrder(false)));
-  EXPECT_TRUE(handler->isProcessingTransaction());
-}
-
 TEST_F(PurchaseHandlerTest, WithoutAServiceNothingIsSentEver) {
   host::Registry::set<KTVRPrivateDataService>(nullptr);
   begin();
@@ -123,58 +114,63 @@ TEST_F(PurchaseHandlerTest, WithoutAServiceNothingIsSentEver) {
   EXPECT_TRUE(delegate->failures().empty());
 }
 
-TEST_F(PurchaseHandlerTest, SuccessAnswersMoveTheStateAsTheyShould) {
+TEST_F(PurchaseHandlerTest, SendsTheBodyAndEachAnswerMovesTheStateAndReachesTheDelegateAsItShould) {
+  using Answer = std::function<void(FakePrivateDataService::Call&)>;
+  auto succeed = [](std::optional<Json> value) -> Answer { return [value](auto& call) { call.success(value); }; };
+  const Json declined{{"errors", Json::array({Json{{"typeId", "PAYMENT_DECLINED"}}})}};
   struct Row {
     const char* name;
-    std::optional<Json> answer;
-    bool parsed;
+    bool afterAConfirmation;  // the handler had confirmed an earlier checkout
+    Answer answer;
+    int completions;
+    std::optional<APError> failure;
+    bool busyAfter;  // a busy handler ignores a repeated submission
+    bool confirmed;
   };
   const Row rows[] = {
-      {"absent answer", std::nullopt, false},
-      {"array answer", Json::array({1, 2}), false},
-      {"text answer", Json("BOOKED"), false},
-      {"confirmation", confirmationAnswer(), true},
+      {"absent answer", false, succeed(std::nullopt), 1, std::nullopt, true, false},
+      {"array answer", false, succeed(Json::array({1, 2})), 1, std::nullopt, true, false},
+      {"text answer", false, succeed(Json("BOOKED")), 1, std::nullopt, true, false},
+      {"confirmation", false, succeed(confirmationAnswer()), 1, std::nullopt, false, true},
+      {"failure clears the confirmation", true,
+       [&](auto& call) { call.failure(Error{"Host.Network", 402, Json{{"jsonResponse", declined}}}); }, 1,
+       APError::PAYMENT_DECLINED, false, false},
+      {"failure without an error changes nothing", false, [](auto& call) { call.failure(std::nullopt); }, 0,
+       std::nullopt, true, false},
   };
   for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
     handler = PurchaseHandler::create();
     delegate = std::make_shared<RecordingDelegate>();
     handler->setDelegate(delegate);
     service->calls.clear();
+    if (row.afterAConfirmation) {
+      begin();
+      service->calls.back().success(confirmationAnswer());
+      ASSERT_TRUE(handler->purchaseResults());
+    }
     begin();
-    ASSERT_EQ(service->calls.size(), 1u) << row.name;
-    service->calls[0].success(row.answer);
-    EXPECT_EQ(delegate->completions(), 1) << row.name;
-    EXPECT_EQ(handler->isProcessingTransaction(), !row.parsed) << row.name;
-    EXPECT_EQ(handler->purchaseResults().has_value(), row.parsed) << row.name;
-    // A handler left busy ignores a repeated submission.
+    const std::size_t sent = service->calls.size();
+    // The checkout's own body, posted to the order's express checkout.
+    EXPECT_EQ(service->calls.back().method, "POST");
+    EXPECT_EQ(service->calls.back().target, "https://commerce.example.test/orders/ORD-1/express-checkout");
+    EXPECT_EQ(service->calls.back().parameters, handler->parameterDictionaryForPurchase(testAccount(), testOrder(false)));
+    row.answer(service->calls.back());
+    EXPECT_EQ(delegate->completions(), row.completions);
+    const auto failures = delegate->failures();
+    ASSERT_EQ(failures.size(), row.failure ? 1u : 0u);
+    if (row.failure) {
+      EXPECT_EQ(failures[0].domain, kAPErrorDomain);
+      EXPECT_EQ(failures[0].code, rawValue(*row.failure));
+    }
+    EXPECT_EQ(handler->isProcessingTransaction(), row.busyAfter);
+    EXPECT_EQ(handler->purchaseResults().has_value(), row.confirmed);
+    if (row.confirmed) {
+      EXPECT_EQ(handler->purchaseResults()->confirmationNumber(), "KX4419027");
+    }
     begin();
-    EXPECT_EQ(service->calls.size(), row.parsed ? 2u : 1u) << row.name;
+    EXPECT_EQ(service->calls.size(), row.busyAfter ? sent : sent + 1);
   }
-  ASSERT_TRUE(handler->purchaseResults());
-  EXPECT_EQ(handler->purchaseResults()->confirmationNumber(), "KX4419027");
-}
-
-TEST_F(PurchaseHandlerTest, FailureClearsTheConfirmationAndFreesTheHandler) {
-  begin();
-  service->calls[0].success(confirmationAnswer());
-  ASSERT_TRUE(handler->purchaseResults());
-  begin();
-  ASSERT_EQ(service->calls.size(), 2u);
-  const Json declined{{"errors", Json::array({Json{{"typeId", "PAYMENT_DECLINED"}}})}};
-  service->calls[1].failure(Error{"Host.Network", 402, Json{{"jsonResponse", declined}}});
-  EXPECT_FALSE(handler->purchaseResults());
-  EXPECT_FALSE(handler->isProcessingTransaction());
-  ASSERT_EQ(delegate->failures().size(), 1u);
-  EXPECT_EQ(delegate->failures()[0].domain, kAPErrorDomain);
-  EXPECT_EQ(delegate->failures()[0].code, rawValue(APError::PAYMENT_DECLINED));
-}
-
-TEST_F(PurchaseHandlerTest, FailureWithoutAnErrorChangesNothing) {
-  begin();
-  service->calls[0].failure(std::nullopt);
-  EXPECT_TRUE(handler->isProcessingTransaction());
-  EXPECT_TRUE(delegate->failures().empty());
-  EXPECT_EQ(delegate->completions(), 0);
 }
 
 TEST_F(PurchaseHandlerTest, AnswersReachNobodyOnceTheHandlerIsGone) {

@@ -1,6 +1,7 @@
 // Every scripted fault of the mock commerce service on each of the four
 // requests, over loopback HTTP: which callback runs (or none), with which
-// error, what the module logs, and what a checkout charged.
+// error, what the module logs, and what a checkout charged. The mock's own
+// answer to each fault kind is proven here, through the module that reads it.
 
 #include <algorithm>
 
@@ -171,6 +172,10 @@ TEST_F(FaultsOverHttpTest, EachFaultReachesTheCallbackTheRequestPromises) {
         } else {
           EXPECT_EQ(outcome.error->domain, row.errorDomain);
           EXPECT_EQ(APBookingServiceError(*outcome.error), row.commerceError);
+          // The status the mock answered with is the error's code.
+          if (row.errorDomain == kHTTPErrorDomain && row.fault.starts_with("status:")) {
+            EXPECT_EQ(outcome.error->code, std::stol(row.fault.substr(7)));
+          }
         }
         break;
     }

@@ -1,6 +1,5 @@
-// What the commerce service receives from the module over loopback HTTP: the
-// pending-order and ENV2 headers of a checkout, guest identifiers in paths,
-// the canned passes of the entitlement switch in the order body, a tester's
+// What the commerce service receives from the module over loopback HTTP:
+// guest identifiers in paths, the canned passes of the entitlement switch in the order body, a tester's
 // routed server error, and a whole renewal over HTTPS.
 
 #include <filesystem>
@@ -19,82 +18,15 @@
 #include "varnel/services/CommerceRequests.h"
 #include "varnel/standalone/GuestFileEntitlementsParser.h"
 #include "varnel/standalone/network/HttpClient.h"
-#include "varnel/standalone/network/NetworkErrors.h"
 
 namespace varnel::testing {
 namespace {
 
 using ::testing::Contains;
 using ::testing::HasSubstr;
-using H = CommerceTestHeaders;
 using C = VNLVarnel::Constants;
 
-std::string text(std::string_view view) { return std::string(view); }
-
-class HeadersAndBodiesOverHttpTest : public CommerceOverHttpTest {
- protected:
-  /// The ENV2 headers a journalled request carries, by name.
-  static std::map<std::string, std::optional<std::string>> env2HeadersOf(const Json& request) {
-    std::map<std::string, std::optional<std::string>> headers;
-    for (std::string_view name : {H::kSFServiceHost, H::kTKXServiceHost, H::kTKXServicePath, H::kPanlookEnv}) {
-      headers[text(name)] = headerOf(request, name);
-    }
-    return headers;
-  }
-
-  /// What an ENV2 checkout carries: the service hosts, no environment name.
-  std::map<std::string, std::optional<std::string>> env2Headers() const {
-    return {{text(H::kSFServiceHost), server->baseUrl() + "/"},
-            {text(H::kTKXServiceHost), text(H::kTKXQAHost)},
-            {text(H::kTKXServicePath), text(H::kTKXServicePathValue)},
-            {text(H::kPanlookEnv), std::nullopt}};
-  }
-
-  static std::map<std::string, std::optional<std::string>> noEnv2Headers() {
-    return {{text(H::kSFServiceHost), std::nullopt},
-            {text(H::kTKXServiceHost), std::nullopt},
-            {text(H::kTKXServicePath), std::nullopt},
-            {text(H::kPanlookEnv), std::nullopt}};
-  }
-};
-
-TEST_F(HeadersAndBodiesOverHttpTest, PendingOrderHeaderStaysUntilAnEnv2CheckoutReplacesIt) {
-  struct Step {
-    const char* what;
-    bool pending;
-    bool env2;
-    bool expectMockHeader;
-    bool expectPaid;
-  };
-  const std::vector<Step> steps = {
-      {"pending switch on", true, false, true, false},
-      {"pending switch off", false, false, true, false},
-      {"ENV2 switch on", false, true, false, true},
-  };
-  const std::string orderId = placeOrder();
-  ASSERT_FALSE(orderId.empty());
-  for (const Step& step : steps) {
-    SCOPED_TRACE(step.what);
-    defaults->setBool(C::VarnelPendingOrderHeaderKey, step.pending);
-    defaults->setBool(C::varnelEnv2HeaderKey, step.env2);
-    server->clearJournal();
-    const Outcome outcome = checkout(orderId);
-    auto sent = requestsTo("create-order-purchase");
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(headerOf(sent[0], H::kMockAP),
-              step.expectMockHeader ? std::optional(text(H::kPendingOrderValue)) : std::nullopt);
-    EXPECT_EQ(env2HeadersOf(sent[0]), step.env2 ? env2Headers() : noEnv2Headers());
-    EXPECT_EQ(server->charges().at(orderId), step.expectPaid ? 1 : 0);
-    if (step.expectPaid) {
-      EXPECT_TRUE(outcome.onlySucceeded());
-    } else {
-      // The pending-order refusal: a 500 whose body the module knows only as a booking failure.
-      ASSERT_TRUE(outcome.onlyFailed());
-      EXPECT_EQ(outcome.error, toError(APError::GeneralBookingServiceError));
-      EXPECT_THAT(serverLog(), Contains("POST /commerce/orders/" + orderId + "/express-checkout 500"));
-    }
-  }
-}
+using HeadersAndBodiesOverHttpTest = CommerceOverHttpTest;
 
 TEST_F(HeadersAndBodiesOverHttpTest, ReservedCharactersOfTheGuestReachTheServicePercentEncoded) {
   // A household whose guest identifier holds characters a URL path reserves.
@@ -131,25 +63,6 @@ TEST_F(HeadersAndBodiesOverHttpTest, ReservedCharactersOfTheGuestReachTheService
     EXPECT_EQ(sent[0]["path"], row.decodedPath);
     EXPECT_THAT(log->messages(), Contains(HasSubstr(row.encodedPath)));
   }
-}
-
-TEST_F(HeadersAndBodiesOverHttpTest, AnotherGuestsIdentifierIsRefused) {
-  // The token stays the household's; the signed-in guest and the order name someone else.
-  const std::string stranger = "guest-0000-other";
-  start(sampleGuest(), stranger);
-  const Outcome cards = accounts();
-  ASSERT_TRUE(cards.onlyFailed());
-  ASSERT_TRUE(cards.error.has_value());
-  EXPECT_EQ(cards.error->domain, standalone::kHTTPErrorDomain);
-  EXPECT_EQ(cards.error->code, 403);
-  EXPECT_EQ(cards.error->userInfo[kErrorJsonResponseKey]["errors"][0]["typeId"], "FORBIDDEN");
-
-  const Outcome order = createOrder(VNLCreateOrderParameters(park, stranger, {}, true));
-  ASSERT_TRUE(order.onlyFailed());
-  EXPECT_EQ(order.error, toError(APError::GeneralBookingServiceError));
-  auto sent = requestsTo("create-orders");
-  ASSERT_EQ(sent.size(), 1u);
-  EXPECT_EQ(sent[0]["path"], "/commerce/guests/" + stranger + "/orders");
 }
 
 TEST_F(HeadersAndBodiesOverHttpTest, EntitlementMockSwitchSendsTheCannedPasses) {

@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <unordered_set>
 
-#include "varnel/purchase/RenewableState.h"
 #include "varnel/purchase/RenewalOrder.h"
 
 namespace varnel {
@@ -74,15 +72,6 @@ TEST(RenewalOrderDescriptionDeathTest, AnOrderWithoutProductsOrGuestsStopsThePro
   RenewalOrder noGuests;
   noGuests.products = {{"Gold Pass", {}}};
   EXPECT_DEATH((void)noGuests.debugDescription(), "without products or guests");
-}
-
-TEST(RenewableStateRawValues, RoundTripAndRejectOtherText) {
-  for (RenewableState state : {RenewableState::eligibleNow, RenewableState::eligibleLater, RenewableState::ineligible}) {
-    EXPECT_EQ(RenewableState::fromRawValue(state.rawValue()), state);
-  }
-  EXPECT_EQ(RenewableState(RenewableState::eligibleLater).rawValue(), "eligibleForRenewLater");
-  EXPECT_FALSE(RenewableState::fromRawValue("eligibleNow"));
-  EXPECT_EQ((std::unordered_set<RenewableState>{RenewableState::ineligible, RenewableState::ineligible}).size(), 1u);
 }
 
 }  // namespace

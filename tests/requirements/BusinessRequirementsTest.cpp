@@ -141,26 +141,5 @@ TEST_F(BusinessRequirementsTest, AnyStateMayComeFirstButAClassForeignToTheMachin
   EXPECT_EQ(machine.currentState(), machine.state<EvasOffState>());
 }
 
-TEST(BusinessRequirementTitles, AreTheLocalKeysExceptTheRideSlotsPlainTitle) {
-  // The switch screens list each switch under its title, and a tester finds
-  // the same text as the key of the local table.
-  const std::pair<std::string_view, std::string_view> rows[] = {
-      {Keys::kTurnOnCommerceTitle, "com.orvane.enableAnnualPassportCommerce"},
-      {Keys::kTurnOnAPRenewalsTitle, "com.orvane.enableAnnualPassportRenewals"},
-      {Keys::kTurnOnAPUpgradeTitle, "com.orvane.enableAnnualPassportUpgrades"},
-      {Keys::kTurnOnAPSalesTitle, "com.orvane.enableAnnualPassportSales"},
-      {Keys::kTurnOnEvasTitle, "com.orvane.EvasEnabled"},
-      {Keys::kTurnOnRideslotTitle, "Turn on Ride Slot"},
-  };
-  std::set<std::string_view> localKeys{Keys::enableAnnualPassportCommerceKey, Keys::enableAnnualPassportRenewalsKey,
-                                       Keys::enableAnnualPassportUpgradesKey, Keys::enableAnnualPassportSalesKey,
-                                       Keys::enableEvasKey};
-  for (const auto& [title, text] : rows) {
-    EXPECT_EQ(title, text);
-    localKeys.erase(title);
-  }
-  EXPECT_TRUE(localKeys.empty()) << "every local key has its title";
-}
-
 }  // namespace
 }  // namespace varnel

@@ -1,8 +1,6 @@
 // The tester screens as widgets on the offscreen platform: clicks reach the
-// store, the check mark and the switches, and the routing screen talks to a
-// real loopback server.
-
-#include <httplib.h>
+// store, the check mark and the switches, and the routing screen talks to the
+// mock commerce server on loopback.
 
 #include <QDeadlineTimer>
 #include <QLineEdit>
@@ -13,10 +11,11 @@
 #include <QToolButton>
 
 #include <functional>
-#include <mutex>
-#include <thread>
 
 #include "ScreenTestSupport.h"
+#include "mockcommerce/MockCommerceTestSupport.h"
+#include "varnel/mock/MockCommerceServer.h"
+#include "varnel/mock/MockFault.h"
 #include "varnel/screens/ServerErrorRoutingDebugViewController.h"
 #include "varnel/screens/VNLBusinessRequirementTableViewController.h"
 #include "varnel/screens/VNLConfigurationBrick.h"
@@ -193,45 +192,15 @@ TEST_F(WidgetTest, ConfigurationScreenOpensTheOthersInItsNavigation) {
   EXPECT_EQ(navigation.topViewController(), root);
 }
 
-/// A scripted mock server on 127.0.0.1: answers every lookup with `answer`.
-class RoutingServer {
- public:
-  RoutingServer() {
-    server_.Get("/mobile-commerce/index.php/rest/export/json/header",
-                [this](const httplib::Request& request, httplib::Response& response) {
-                  std::lock_guard lock(mutex_);
-                  uids_.push_back(request.get_param_value("uid"));
-                  response.set_content(answer_, "application/json");
-                });
-    port_ = server_.bind_to_any_port("127.0.0.1");
-    thread_ = std::thread([this] { server_.listen_after_bind(); });
-  }
-  ~RoutingServer() {
-    server_.stop();
-    thread_.join();
-  }
-  std::string address() const { return "http://127.0.0.1:" + std::to_string(port_); }
-  void answer(std::string text) {
-    std::lock_guard lock(mutex_);
-    answer_ = std::move(text);
-  }
-  std::vector<std::string> uids() const {
-    std::lock_guard lock(mutex_);
-    return uids_;
-  }
-
- private:
-  httplib::Server server_;
-  int port_ = 0;
-  std::thread thread_;
-  mutable std::mutex mutex_;
-  std::string answer_;
-  std::vector<std::string> uids_;
-};
-
+// The mock commerce server's routing service knows the typed user: an answer
+// shows only when the lookup named that user as typed.
 TEST_F(WidgetTest, RoutingScreenLooksUpTheTypedUserAtTheMockServer) {
-  RoutingServer server;
-  ServerErrorRoutingPresenter::setMockServerAddress(server.address() + "/");
+  mock::MockCommerceOptions options;
+  options.guest = mock::testing::sampleGuest();
+  options.routes = {mock::Route::parse("jane doe=/orders,E500").value()};
+  auto server = mock::MockCommerceServer::start(std::move(options));
+  ASSERT_TRUE(server.ok());
+  ServerErrorRoutingPresenter::setMockServerAddress(server.value()->baseUrl() + "/");
   ServerErrorRoutingDebugViewController screen;
   screen.show();
   EXPECT_FALSE(screen.useServerErrorRoutingSwitch()->isOn());
@@ -243,22 +212,13 @@ TEST_F(WidgetTest, RoutingScreenLooksUpTheTypedUserAtTheMockServer) {
   EXPECT_FALSE(screen.usernameField()->isHidden());
   EXPECT_EQ(defaults->objectForKey("ServerErrorRoutingUseFeature"), DefaultsValue(true));
   QTest::keyClicks(screen.usernameField(), "jane doe");
-
-  server.answer("<html>maintenance</html>");
-  QTest::mouseClick(screen.testRoutingButton(), Qt::LeftButton);
-  ASSERT_TRUE(waitUntil([&] { return log->count("Failed to parse JSON") == 1; }));
-  QCoreApplication::processEvents();
-  EXPECT_EQ(screen.resultTextField()->toPlainText(), "");
-  EXPECT_FALSE(defaults->objectForKey("ServiceErrorRoutingHeader"));
-
-  server.answer(R"([{"field_endpoint":[{"value":"/orders"}],"field_simulator_header":[{"value":"E500"}]}])");
   QTest::mouseClick(screen.testRoutingButton(), Qt::LeftButton);
   ASSERT_TRUE(waitUntil([&] { return !screen.resultTextField()->toPlainText().isEmpty(); }));
   EXPECT_EQ(screen.resultTextField()->toPlainText(), "Endpoint: /orders \nHeader: E500");
   EXPECT_EQ(defaults->objectForKey("ServiceErrorRoutingHeader"),
             DefaultsValue(DefaultsDictionary{{"X-Orvane-Internal-Mock-AP", DefaultsValue("E500")}}));
   EXPECT_EQ(defaults->objectForKey("ServerErrorRoutingUserName"), DefaultsValue("jane doe"));
-  EXPECT_EQ(server.uids(), (std::vector<std::string>{"jane doe", "jane doe"})) << "appended as typed";
+  server.value()->stop();
 }
 
 }  // namespace

@@ -189,16 +189,15 @@ TEST_F(CommerceRequestsTest, CardsByEndpointKeyOrFromTheEnv2ProfileService) {
   EXPECT_THAT(service.calls[2].overrideHeaders, IsEmpty());
 }
 
-TEST_F(CommerceRequestsTest, OrderIsPostedForTheEncodedOwnerWithTheParametersBody) {
+TEST_F(CommerceRequestsTest, OrderIsPostedForTheEncodedOwnerAndItsEnv2HeadersStayAfterTheSwitchIsTurnedOff) {
   createOrder();
   ASSERT_EQ(service.calls.size(), 1u);
   EXPECT_EQ(service.calls[0].method, "POST");
   EXPECT_EQ(service.calls[0].target, std::string("https://svc.varnel.invalid/guests/") + kEncodedGuest + "/orders");
   EXPECT_EQ(service.calls[0].parameters, order().parameterDictionary());
   EXPECT_THAT(service.calls[0].overrideHeaders, IsEmpty());
-}
 
-TEST_F(CommerceRequestsTest, Env2HeadersOfAnOrderStayAfterTheSwitchIsTurnedOff) {
+  service.calls.clear();
   environment->table["env2-service-host"] = "https://env2.varnel.invalid";  // no trailing slash
   defaults->setBool("VarnelENV2HeaderKey", true);
   createOrder();

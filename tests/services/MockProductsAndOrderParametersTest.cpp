@@ -16,7 +16,6 @@
 namespace varnel {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const Json kPass = {{"productInstanceId", "P1"}, {"barcodeString", "B1"}, {"ownerKuid", "G1"},
@@ -95,20 +94,6 @@ TEST_F(MockDataTest, ProductsComeFromEveryCompleteEntitlementInOrder) {
   }
 }
 
-TEST_F(MockDataTest, ShippedMockResourceGivesProductsWithAndWithoutAvatar) {
-  host::Registry::set(std::make_shared<ApplicationBundle>(
-      ApplicationBundle{std::filesystem::path(VARNEL_TEST_RESOURCE_DIR) / "app"}));
-  const std::vector<Json> products = DebugProductsClass::createProductsArray();
-  ASSERT_GE(products.size(), 2u);
-  std::size_t withoutAvatar = 0;
-  for (const Json& product : products) {
-    EXPECT_EQ(product.size(), 8u);
-    EXPECT_FALSE(product.at("entitlementId").get<std::string>().empty());
-    withoutAvatar += product.at("avatarImage") == "";
-  }
-  EXPECT_EQ(withoutAvatar, 1u);
-}
-
 TEST_F(MockDataTest, OrderBodyFollowsResortAndSwitches) {
   writeMock(Json::array({kPassWithoutAvatar}).dump());
   const std::vector<Json> hostProducts = {
@@ -141,9 +126,8 @@ TEST_F(MockDataTest, OrderBodyFollowsResortAndSwitches) {
                            {"paymentPlan", true}};
     EXPECT_EQ(parameters.parameterDictionary(), expected);
   }
-}
-
-TEST_F(MockDataTest, OrderWithoutProductsSendsAnEmptyArrayPaidInFull) {
+  // Without products: an empty array, paid in full.
+  defaults->setBool("VarnelEntitlementMockKey", false);
   const Json body = VNLCreateOrderParameters(KTVCParkResortContext(), "G").parameterDictionary();
   EXPECT_EQ(body.at("products"), Json::array());
   EXPECT_EQ(body.at("paymentPlan"), false);

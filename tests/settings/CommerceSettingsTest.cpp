@@ -59,12 +59,5 @@ TEST_F(CommerceSettingsTest, PresetsAreRecognisedOnlyFromBooleansAndCurrentReads
   EXPECT_EQ(VNLCommerceSettings::current(), expected);
 }
 
-TEST(VNLConfiguration, RawValuesRoundTripAndAreCaseSensitive) {
-  for (auto c : kAllVNLConfigurations) EXPECT_EQ(configurationFromRawValue(rawValue(c)), c);
-  for (const char* text : {"legacy", "aprenewals", "ZLT_4_5", "unknown", "Legacy "}) {
-    EXPECT_FALSE(configurationFromRawValue(text)) << text;
-  }
-}
-
 }  // namespace
 }  // namespace varnel
