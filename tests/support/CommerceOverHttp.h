@@ -78,16 +78,11 @@ class CommerceOverHttpTest : public HostFixture {
   void start(standalone::GuestData guest, std::optional<std::string> signedIn) {
     stop();
     household = std::move(guest);
-    serverLog_ = std::make_shared<ServerLog>();
     mock::MockCommerceOptions options;
     options.guest = household;
     options.routeFaults = routeFaults;
     options.tls = tls;
     options.keepAlive = keepAlive;
-    options.requestLog = [log = serverLog_](const std::string& line) {
-      std::lock_guard lock(log->mutex);
-      log->lines.push_back(line);
-    };
     auto started = mock::MockCommerceServer::start(std::move(options));
     ASSERT_TRUE(started.ok()) << localizedDescription(started.error());
     server = std::move(started.value());
@@ -191,11 +186,6 @@ class CommerceOverHttpTest : public HostFixture {
     const auto it = charges.find(orderId);
     return it == charges.end() ? 0 : it->second;
   }
-  /// Lines the mock wrote about the requests ("POST /path 500").
-  std::vector<std::string> serverLog() const {
-    std::lock_guard lock(serverLog_->mutex);
-    return serverLog_->lines;
-  }
   /// Log lines that start with `prefix`.
   std::vector<std::string> logLinesStartingWith(std::string_view prefix) const {
     std::vector<std::string> lines;
@@ -216,13 +206,6 @@ class CommerceOverHttpTest : public HostFixture {
   std::unique_ptr<mock::MockCommerceServer> server;
   standalone::StandaloneNetworking networking;
   KTVCParkResortContext park{kResortChoiceEast};
-
- private:
-  struct ServerLog {
-    mutable std::mutex mutex;
-    std::vector<std::string> lines;
-  };
-  std::shared_ptr<ServerLog> serverLog_;
 };
 
 }  // namespace varnel::testing
