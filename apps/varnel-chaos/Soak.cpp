@@ -96,8 +96,14 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
     record.notes.push_back(what + " crashed: " + report);
     return false;
   }
+  // Killed after it had printed its whole answer: the guest saw that answer,
+  // whatever the exit status would have been.
+  const bool answeredBeforeKill =
+      run.end == ChildRun::End::killed && parseJson(run.out).value.value_or(Json()).is_object();
   switch (run.end) {
-    case ChildRun::End::killed: return false;
+    case ChildRun::End::killed:
+      if (!answeredBeforeKill) return false;
+      break;
     case ChildRun::End::timedOut:
       ++record.hangs;
       record.notes.push_back(what + " did not exit within " +
@@ -109,13 +115,13 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
       return false;
     case ChildRun::End::exited: break;
   }
-  if (run.status == 2) {
+  if (run.status == 2 && !answeredBeforeKill) {
     // Told "bad input" (nothing sent for the renewal); the next run tries again.
     ++record.badInput;
     record.notes.push_back(what + " exited 2: " + lastLine(run.err));
     return false;
   }
-  if (run.status != 0 && run.status != 1 && run.status != 3) {
+  if (!answeredBeforeKill && run.status != 0 && run.status != 1 && run.status != 3) {
     ++record.crashes;
     record.notes.push_back(what + " exited " + std::to_string(run.status) + ": " + lastLine(run.err));
     return false;
@@ -144,12 +150,12 @@ bool Soak::account(RenewalRecord& record, const ChildRun& run, bool resume, bool
       record.lastReason += error.value("reason", Json()).is_string() ? error["reason"].get<std::string>() : "";
     }
   }
-  if (confirmed != (run.status == 0) && !finishedNothing) {
+  if (!answeredBeforeKill && confirmed != (run.status == 0) && !finishedNothing) {
     record.notes.push_back(what + " exited " + std::to_string(run.status) + " but its answer says otherwise");
   }
   if (finishedNothing) return false;
   if (confirmed) record.told = Told::confirmed;
-  else if (run.status == 1 || refused) record.told = Told::refused;
+  else if (refused || (run.status == 1 && !answeredBeforeKill)) record.told = Told::refused;
   else {
     record.told = Told::unknown;
     record.toldUnknown = true;
