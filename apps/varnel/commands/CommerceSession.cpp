@@ -64,6 +64,13 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
   using host::Registry;
   parkContext_ = std::make_shared<KTVCParkResortContext>(parsePark(options.park));
 
+  // The guest file is read once: the entitlements manager serves it, and the
+  // sign-in, the cards and the mock server's household come from what it read.
+  GuestSource source(GuestOptions{.guestFile = options.guestFile, .mock = false, .json = options.json});
+  if (!source.data) throw UsageError("the guest data file could not be read");
+  guest_ = *source.data;
+  for (const std::string& pass : options.namedPasses) requirePass(pass);
+
   auto store = standalone::SqliteUserDefaults::openResolved(
       options.defaultsPath.empty() ? std::nullopt : std::optional<std::filesystem::path>(options.defaultsPath));
   if (!store) throw UsageError("cannot open the settings store: " + localizedDescription(store.error()));
@@ -72,12 +79,6 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
   if (!journal) throw UsageError(localizedDescription(journal.error()));
   journal_ = journal.value();
   Registry::set<RenewalJournal>(journal_);
-
-  // The guest file is read once: the entitlements manager serves it, and the
-  // sign-in, the cards and the mock server's household come from what it read.
-  GuestSource source(GuestOptions{.guestFile = options.guestFile, .mock = false, .json = options.json});
-  if (!source.data) throw UsageError("the guest data file could not be read");
-  guest_ = *source.data;
   Registry::set<KTVRAuthenticationService>(
       std::make_shared<standalone::StaticAuthenticationService>(guest_.kuid, guest_.email));
   Registry::set<KTVRUserProfileAuthentication>(std::make_shared<standalone::StaticUserProfile>(guest_.email));
@@ -107,6 +108,17 @@ CommerceSession::CommerceSession(const CommerceOptions& options) {
 
 std::vector<RenewalJournalEntry> CommerceSession::pendingRenewals() const {
   return guest_.kuid ? journal_->unfinished(*guest_.kuid) : std::vector<RenewalJournalEntry>{};
+}
+
+void CommerceSession::requirePass(const std::string& productInstanceId) const {
+  std::string known;
+  for (const auto& entitlement : guest_.entitlements) {
+    const std::string id = entitlement ? entitlement->productInstanceId.value_or("") : "";
+    if (id == productInstanceId) return;
+    if (!id.empty()) known += (known.empty() ? "" : ", ") + id;
+  }
+  throw UsageError("the guest has no pass " + echoed(productInstanceId) + " (the guest's passes: " +
+                   (known.empty() ? "none" : known) + ")");
 }
 
 CommerceSession::~CommerceSession() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -36,6 +37,9 @@ struct CommerceOptions {
   /// A CA file trusted besides the system's; none when empty.
   std::string caFile;
   bool json = false;
+  /// Passes the command names: each must be in the guest file, checked
+  /// before the settings store is opened (a usage error leaves no store).
+  std::vector<std::string> namedPasses;
 };
 
 /// Adds --server, --guest, --defaults, --park, --ca-file and --json.
@@ -79,6 +83,8 @@ class CommerceSession {
   std::vector<RenewalJournalEntry> pendingRenewals() const;
 
  private:
+  /// A usage error unless the guest file holds the pass.
+  void requirePass(const std::string& productInstanceId) const;
   standalone::GuestData guest_;
   std::shared_ptr<KTVCParkResortContext> parkContext_;
   std::unique_ptr<mock::MockCommerceServer> embeddedServer_;

@@ -27,7 +27,9 @@ struct OrderOptions {
 };
 
 int runCreate(const OrderOptions& options) {
-  CommerceSession session(options.commerce);
+  CommerceOptions commerce = options.commerce;
+  commerce.namedPasses = options.passes;
+  CommerceSession session(commerce);
   std::vector<Json> products;
   for (const auto& pass : options.passes) products.push_back(renewalProduct(*findPass(session.varnel(), pass), session));
   const CallbackOutcome outcome = sendCreateOrder(session, std::move(products), options.plan == "monthly");

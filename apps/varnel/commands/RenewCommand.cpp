@@ -126,7 +126,9 @@ int renew(const RenewOptions& options) {
     // Banners would break the one JSON document on stdout.
     host::Registry::set<KTVRNotificationBannerFactory>(std::make_shared<standalone::TerminalBannerFactory>(std::cerr));
   }
-  CommerceSession session(options.commerce);
+  CommerceOptions commerce = options.commerce;
+  if (!options.resume && !options.pass.empty()) commerce.namedPasses = {options.pass};
+  CommerceSession session(commerce);
   if (options.resume) {
     std::vector<RenewalOutcome> outcomes;
     for (const RenewalJournalEntry& entry : session.pendingRenewals()) {
