@@ -98,6 +98,25 @@ TEST_F(MockCommerceTest, MalformedRequestsAndTokensGetABookingErrorBeforeAnyEndp
   }
 }
 
+TEST_F(MockCommerceTest, PipelinedRequestsAreAnsweredInTheOrderSent) {
+  const std::string token = kToken;
+  const std::string body = orderBody("AP-100201", true).dump();
+  RawConnection connection(server().port());
+  ASSERT_TRUE(connection.send(
+      "GET " + accountsPath() + " HTTP/1.1\r\nHost: h\r\nAuthorization: Bearer " + token + "\r\n\r\n" +
+      "POST /commerce/guests/" + kGuestKuid + "/orders HTTP/1.1\r\nHost: h\r\nAuthorization: Bearer " + token +
+      "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body +
+      "GET " + accountsPath() + " HTTP/1.1\r\nHost: h\r\nAuthorization: Bearer wrong\r\n\r\n" +
+      "OPTIONS * HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n"));
+  const std::string answers = connection.receive();
+  std::vector<int> statuses;
+  for (std::size_t at = answers.find("HTTP/1.1 "); at != std::string::npos; at = answers.find("HTTP/1.1 ", at + 1)) {
+    statuses.push_back(std::atoi(answers.c_str() + at + 9));
+  }
+  EXPECT_EQ(statuses, (std::vector<int>{200, 200, 401, 204})) << answers;
+  EXPECT_EQ(server().journal().size(), 4u);
+}
+
 TEST_F(MockCommerceTest, IdleAndHalfSentConnectionsDoNotStarveANewClient) {
   std::vector<std::unique_ptr<RawConnection>> held;
   for (int i = 0; i < 40; ++i) held.push_back(std::make_unique<RawConnection>(server().port()));

@@ -11,6 +11,7 @@
 
 #include "CommerceService.h"
 #include "Connection.h"
+#include "PipelinedServer.h"
 
 namespace varnel::mock {
 namespace {
@@ -106,9 +107,11 @@ struct MockCommerceServer::Impl {
   }
 
   /// Gives the server's own refusals (a request line it cannot read, a body
-  /// too large) a booking error body.
+  /// too large) a booking error body, and ends the connection of a request
+  /// not read whole: what follows it cannot be trusted to start a request.
   void explain(const httplib::Request& request, httplib::Response& response) {
     if (!response.body.empty()) return;
+    if (response.status != 404) response.set_header("Connection", "close");
     const bool unknownMethod = !request.method.empty() && !isServedMethod(request.method) && response.status == 400;
     if (unknownMethod) response.status = 405;
     const Json body = unknownMethod ? bookingError("METHOD_NOT_ALLOWED", "The method is not allowed here.")
@@ -140,8 +143,8 @@ namespace {
 /// A plain server, or an HTTPS one over the certificate and key (TLS 1.2 at
 /// least); null when the files cannot be loaded.
 std::unique_ptr<httplib::Server> makeServer(const std::optional<TlsFiles>& tls, SSL_CTX** context) {
-  if (!tls) return std::make_unique<httplib::Server>();
-  auto server = std::make_unique<httplib::SSLServer>(tls->certificate.c_str(), tls->key.c_str());
+  if (!tls) return makePipelinedServer();
+  auto server = makePipelinedTlsServer(tls->certificate.c_str(), tls->key.c_str());
   if (!server->is_valid()) return nullptr;
   *context = server->ssl_context();
   SSL_CTX_set_min_proto_version(*context, TLS1_2_VERSION);
