@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -158,12 +159,12 @@ class TlsStream final : public ConnectionStream {
 
  protected:
   ssize_t receive(char* destination, std::size_t size) override {
-    const int count = SSL_read(tls_, destination, static_cast<int>(std::min<std::size_t>(size, INT32_MAX)));
+    const int count = SSL_read(tls_, destination, static_cast<int>(std::min<std::size_t>(size, INT_MAX)));
     if (count > 0) return count;
     return SSL_get_error(tls_, count) == SSL_ERROR_ZERO_RETURN ? 0 : -1;
   }
   ssize_t transmit(const char* source, std::size_t size) override {
-    const int count = SSL_write(tls_, source, static_cast<int>(std::min<std::size_t>(size, INT32_MAX)));
+    const int count = SSL_write(tls_, source, static_cast<int>(std::min<std::size_t>(size, INT_MAX)));
     return count > 0 ? count : -1;
   }
   bool holdsPending() const override { return SSL_pending(tls_) > 0; }
@@ -210,11 +211,8 @@ class Pipelined : public Server {
 class PlainServer final : public Pipelined<httplib::Server> {
  private:
   bool process_and_close_socket(socket_t socket) override {
-    bool served = false;
-    {
-      PlainStream stream(socket, timeouts());
-      served = serveRequests(stream);
-    }
+    PlainStream stream(socket, timeouts());
+    const bool served = serveRequests(stream);
     closeSocket(socket);
     return served;
   }
