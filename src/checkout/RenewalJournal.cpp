@@ -81,7 +81,7 @@ RenewalJournal::Claim InMemoryRenewalJournal::claim(const std::string& guestId, 
       continue;
     }
     if (it->owned) return Claim{Claim::Kind::busy, entry, false, "a renewal of this pass is in flight"};
-    if (entry.state == State::pending || entry.confirmedUntold()) {
+    if (entry.awaitsFinishing()) {
       it->owned = true;
       return Claim{Claim::Kind::unfinished, entry, false, ""};
     }
@@ -102,7 +102,7 @@ RenewalJournal::Claim InMemoryRenewalJournal::claim(const std::string& guestId, 
 RenewalJournal::Claim InMemoryRenewalJournal::claimEntry(std::int64_t id) {
   std::lock_guard lock(mutex_);
   Row* row = find(id);
-  if (!row || !(row->entry.state == State::pending || row->entry.confirmedUntold())) {
+  if (!row || !row->entry.awaitsFinishing()) {
     return Claim{Claim::Kind::failed, {}, false, "the journal holds no unfinished renewal " + std::to_string(id)};
   }
   if (row->owned) return Claim{Claim::Kind::busy, row->entry, false, "the renewal is being finished"};
@@ -156,9 +156,7 @@ void InMemoryRenewalJournal::release(std::int64_t id) {
 
 std::vector<RenewalJournalEntry> InMemoryRenewalJournal::unfinished(const std::string& guestId) const {
   std::vector<RenewalJournalEntry> found = entries(guestId);
-  std::erase_if(found, [](const RenewalJournalEntry& entry) {
-    return entry.state != State::pending && !entry.confirmedUntold();
-  });
+  std::erase_if(found, [](const RenewalJournalEntry& entry) { return !entry.awaitsFinishing(); });
   return found;
 }
 

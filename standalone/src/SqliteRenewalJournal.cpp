@@ -180,7 +180,7 @@ RenewalJournal::Claim SqliteRenewalJournal::claim(const std::string& guestId, co
       std::string owner;
       RenewalJournalEntry entry = readEntry(open, &owner);
       if (ownerRuns(owner)) return Claim{Claim::Kind::busy, entry, false, "a renewal of this pass is in flight"};
-      if ((entry.state == State::pending || entry.confirmedUntold()) && claim.kind == Claim::Kind::fresh) {
+      if (entry.awaitsFinishing() && claim.kind == Claim::Kind::fresh) {
         claim.kind = Claim::Kind::unfinished;
         claim.entry = std::move(entry);
       } else if (entry.state == State::claimed) {

@@ -10,6 +10,7 @@
 #include "commands/ErrorReport.h"
 #include "commands/GuestSource.h"
 #include "commands/RenewalOutput.h"
+#include "commands/RenewalSteps.h"
 #include "varnel/errors/ErrorMapping.h"
 #include "varnel/host/ENTMEntitlementsManager.h"
 #include "varnel/host/Registry.h"
@@ -111,14 +112,13 @@ std::vector<RenewalJournalEntry> CommerceSession::pendingRenewals() const {
 }
 
 void CommerceSession::requirePass(const std::string& productInstanceId) const {
-  std::string known;
+  std::vector<std::string> known;
   for (const auto& entitlement : guest_.entitlements) {
     const std::string id = entitlement ? entitlement->productInstanceId.value_or("") : "";
     if (id == productInstanceId) return;
-    if (!id.empty()) known += (known.empty() ? "" : ", ") + id;
+    if (!id.empty()) known.push_back(id);
   }
-  throw UsageError("the guest has no pass " + echoed(productInstanceId) + " (the guest's passes: " +
-                   (known.empty() ? "none" : known) + ")");
+  throw noSuchPass(productInstanceId, known);
 }
 
 CommerceSession::~CommerceSession() {

@@ -15,13 +15,19 @@ std::optional<RenewableState> renewableState(const VNLEntitlement& entitlement) 
 }
 
 std::shared_ptr<VNLEntitlement> findPass(const VNLVarnel& varnel, const std::string& productInstanceId) {
-  std::string known;
+  std::vector<std::string> known;
   for (const auto& entitlement : varnel.allEntitlements()) {
     if (entitlement->productInstanceID() == productInstanceId) return entitlement;
-    known += (known.empty() ? "" : ", ") + entitlement->productInstanceID();
+    known.push_back(entitlement->productInstanceID());
   }
-  throw UsageError("the guest has no pass " + echoed(productInstanceId) + " (the guest's passes: " +
-                   (known.empty() ? "none" : known) + ")");
+  throw noSuchPass(productInstanceId, known);
+}
+
+UsageError noSuchPass(const std::string& productInstanceId, const std::vector<std::string>& guestPasses) {
+  std::string known;
+  for (const std::string& pass : guestPasses) known += (known.empty() ? "" : ", ") + pass;
+  return UsageError("the guest has no pass " + echoed(productInstanceId) + " (the guest's passes: " +
+                    (known.empty() ? "none" : known) + ")");
 }
 
 Json renewalProduct(const VNLEntitlement& pass, const CommerceSession& session) {

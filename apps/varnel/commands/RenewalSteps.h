@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Command.h"
 #include "commands/CommerceSession.h"
 #include "varnel/entitlements/VNLEntitlement.h"
 #include "varnel/purchase/RenewableState.h"
@@ -18,6 +19,9 @@ std::optional<RenewableState> renewableState(const VNLEntitlement& entitlement);
 /// The guest's entitlement with this product instance ID; a UsageError that
 /// lists the guest's passes when there is none.
 std::shared_ptr<VNLEntitlement> findPass(const VNLVarnel& varnel, const std::string& productInstanceId);
+
+/// The usage error for a pass the guest does not have, listing `guestPasses`.
+UsageError noSuchPass(const std::string& productInstanceId, const std::vector<std::string>& guestPasses);
 
 /// The product entry that renews `pass`: category "AnnualPassRenewal",
 /// quantity 1, the pass as the entitlement, its holder (else the signed-in

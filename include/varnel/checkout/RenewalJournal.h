@@ -72,7 +72,9 @@ struct RenewalJournalEntry {
 
   /// Confirmed, but the guest has not seen the confirmation yet.
   bool confirmedUntold() const { return state == State::confirmed && !told; }
-  bool unfinished() const { return state == State::claimed || state == State::pending || confirmedUntold(); }
+  /// What a later run finishes: a pending checkout, or a confirmation not yet told.
+  bool awaitsFinishing() const { return state == State::pending || confirmedUntold(); }
+  bool unfinished() const { return state == State::claimed || awaitsFinishing(); }
   /// "claimed", "pending", "confirmed" or "refused".
   static std::string_view stateName(State state);
   static std::optional<State> stateNamed(std::string_view name);
