@@ -85,6 +85,14 @@ class RenewalFlowTest : public RenewalOverHttpTest {
     ASSERT_FALSE(server->setFault({endpoint, parsed.value()})) << kind;
   }
   std::vector<RenewalJournalEntry> journalled() const { return journal->entries(household.kuid.value_or("")); }
+  /// Checkouts the module sent, retries included, by its request log. The
+  /// service may see more: libcurl sends a request once more, on a new
+  /// connection, when the kept one turns out closed before any answer.
+  std::size_t checkoutsSent() const {
+    std::size_t sent = 0;
+    for (const std::string& line : logLinesStartingWith("POST ")) sent += line.find("/express-checkout ") != std::string::npos;
+    return sent;
+  }
 
   std::shared_ptr<InMemoryRenewalJournal> journal = std::make_shared<InMemoryRenewalJournal>();
   std::vector<std::shared_ptr<RenewalFlow>> flows;
@@ -106,7 +114,7 @@ TEST_F(RenewalFlowTest, EachAnswerEndsInOneOfThreeOutcomesAndOnlyABookedAnswerIs
       {"monthly with its contract", true, "", "", "", Kind::confirmed, RenewalStep::confirmation, 1, 1},
       {"declined card", false, "CARD-REF-0003", "", "", Kind::refused, RenewalStep::checkout, 0, 1},
       {"answer lost after the charge", false, "", "create-order-purchase", "reset-after*1", Kind::unknown,
-       RenewalStep::checkout, 1, 5},
+       RenewalStep::checkout, 1, 3},
       {"success without a confirmation", false, "", "create-order-purchase", "status:200", Kind::unknown,
        RenewalStep::checkout, 0, 1},
       {"answer that is an array", false, "", "create-order-purchase", "array", Kind::unknown, RenewalStep::checkout,
@@ -127,12 +135,14 @@ TEST_F(RenewalFlowTest, EachAnswerEndsInOneOfThreeOutcomesAndOnlyABookedAnswerIs
     RenewalRequest request;
     request.monthlyPlan = row.monthly;
     request.cardReference = row.card;
+    log->clear();
     const auto guest = renew(request);
     ASSERT_TRUE(guest->outcome);
     const RenewalOutcome& outcome = *guest->outcome;
     EXPECT_EQ(outcome.kind, row.kind) << outcome.reason;
     EXPECT_EQ(outcome.step, row.step) << outcome.reason;
-    EXPECT_EQ(requestsTo("create-order-purchase").size(), row.checkouts);
+    EXPECT_EQ(checkoutsSent(), row.checkouts);
+    EXPECT_GE(requestsTo("create-order-purchase").size(), row.checkouts);
     if (!outcome.orderId.empty()) {
       EXPECT_EQ(chargesOf(outcome.orderId), row.charges);
     }
@@ -174,7 +184,8 @@ TEST_F(RenewalFlowTest, AnInterruptedCheckoutIsFinishedWithTheSameKeyAndChargedO
   EXPECT_EQ(requestsTo("create-orders").size(), 1u);
   EXPECT_EQ(chargesOf(lost->outcome->orderId), 1);
   const auto checkouts = requestsTo("create-order-purchase");
-  ASSERT_EQ(checkouts.size(), 6u);  // five tries of the lost one, one to finish it
+  EXPECT_EQ(checkoutsSent(), 4u);  // three tries of the lost one, one to finish it
+  ASSERT_GE(checkouts.size(), 4u);
   for (const Json& sent : checkouts) {
     EXPECT_EQ(headerOf(sent, "Idempotency-Key"), headerOf(checkouts.front(), "Idempotency-Key"));
   }
