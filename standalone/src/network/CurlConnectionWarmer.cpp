@@ -14,6 +14,7 @@ HttpRequest pingOf(std::string origin) {
   ping.method = "OPTIONS";
   ping.url = std::move(origin);
   ping.requestTarget = std::string(1, '*');
+  ping.keepsConnectionWarm = true;
   return ping;
 }
 
@@ -31,14 +32,13 @@ class Pings : public std::enable_shared_from_this<Pings> {
   void check() {
     const auto owner = client_.lock();
     std::lock_guard lock(mutex_);
-    pending_.reset();
     const auto now = Clock::now();
     if (!owner || released_ || now >= until_) return;
     CurlTransport& transport = owner->transport();
     const auto answered = transport.lastAnswered(ping_.url);
     auto self = shared_from_this();
     if (!answered || now - *answered >= every_) {
-      pending_ = transport.send(ping_, [self](HttpOutcome outcome) {
+      transport.send(ping_, [self](HttpOutcome outcome) {
         if (outcome.answered()) return self->check();
         // Refused, reset or cancelled: look again a period later, not at once.
         if (const auto client = self->client_.lock()) {
@@ -51,11 +51,12 @@ class Pings : public std::enable_shared_from_this<Pings> {
     }
   }
 
+  /// A ping on the wire is left to end: the request that follows the hold
+  /// (the checkout) waits for it and takes its connection, which cancelling
+  /// would close.
   void release() {
-    const auto owner = client_.lock();
     std::lock_guard lock(mutex_);
     released_ = true;
-    if (owner && pending_) owner->transport().cancel(*pending_);
   }
 
  private:
@@ -65,7 +66,6 @@ class Pings : public std::enable_shared_from_this<Pings> {
   Clock::time_point until_;
   std::mutex mutex_;
   bool released_ = false;
-  std::optional<CurlTransport::TransferId> pending_;
 };
 
 class PingHold final : public ConnectionWarmer::Hold {

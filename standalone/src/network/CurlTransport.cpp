@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -22,6 +23,8 @@ namespace curl_transport_detail {
 struct Transfer {
   CurlTransport::TransferId id = 0;
   HttpRequest request;
+  /// originOf(request.url), or "" for a URL that has none.
+  std::string origin;
   CurlTransport::Completion completion;
   std::chrono::steady_clock::time_point due;
   CURL* easy = nullptr;
@@ -107,6 +110,11 @@ struct CurlTransport::State {
   static constexpr std::size_t kIdleHandles = 8;
 
   void run();
+  /// Origins with a connection-warming ping on the wire.
+  std::set<std::string> warmingOrigins() const;
+  /// When a waiting transfer starts: when due, or, while a ping to its origin
+  /// is on the wire, once that ping has ended or connectTimeout after it was due.
+  Clock::time_point startsAt(const Transfer& transfer, const std::set<std::string>& warming) const;
   void startDueTransfers(Clock::time_point now);
   void start(std::unique_ptr<Transfer> transfer);
   void applyCancellations(std::vector<std::unique_ptr<Transfer>>& finished);
@@ -176,12 +184,27 @@ void CurlTransport::State::start(std::unique_ptr<Transfer> transfer) {
   curl_multi_add_handle(multi, easy);
 }
 
+std::set<std::string> CurlTransport::State::warmingOrigins() const {
+  std::set<std::string> warming;
+  for (const auto& [id, transfer] : active) {
+    if (transfer->request.keepsConnectionWarm && !transfer->origin.empty()) warming.insert(transfer->origin);
+  }
+  return warming;
+}
+
+Clock::time_point CurlTransport::State::startsAt(const Transfer& transfer, const std::set<std::string>& warming) const {
+  if (transfer.request.keepsConnectionWarm || !warming.contains(transfer.origin)) return transfer.due;
+  return transfer.due + options.connectTimeout;
+}
+
 void CurlTransport::State::startDueTransfers(Clock::time_point now) {
   std::vector<std::unique_ptr<Transfer>> due;
+  const auto warming = warmingOrigins();
   {
     std::lock_guard lock(mutex);
-    auto notDue = std::stable_partition(waiting.begin(), waiting.end(),
-                                        [now](const auto& transfer) { return transfer->due <= now; });
+    auto notDue = std::stable_partition(waiting.begin(), waiting.end(), [&](const auto& transfer) {
+      return startsAt(*transfer, warming) <= now;
+    });
     std::move(waiting.begin(), notDue, std::back_inserter(due));
     waiting.erase(waiting.begin(), notDue);
   }
@@ -231,9 +254,9 @@ void CurlTransport::State::collectFinished(std::vector<std::unique_ptr<Transfer>
       long status = 0;
       curl_easy_getinfo(transfer->easy, CURLINFO_RESPONSE_CODE, &status);
       transfer->outcome.status = status;
-      if (const auto origin = originOf(transfer->request.url)) {
+      if (!transfer->origin.empty()) {
         std::lock_guard lock(mutex);
-        lastAnswer[*origin] = Clock::now();
+        lastAnswer[transfer->origin] = Clock::now();
       }
     } else {
       const std::string detail = transfer->errorText[0] ? transfer->errorText : curl_easy_strerror(result);
@@ -252,12 +275,13 @@ void CurlTransport::State::recycle(Transfer& transfer) {
 
 int CurlTransport::State::pollTimeoutMs(Clock::time_point now) {
   auto timeout = std::chrono::milliseconds(1000);
+  const auto warming = warmingOrigins();
   std::lock_guard lock(mutex);
   auto wait = [&](Clock::time_point due) {
     auto untilDue = std::chrono::ceil<std::chrono::milliseconds>(due - now);
     timeout = std::min(timeout, std::max(untilDue, std::chrono::milliseconds(0)));
   };
-  for (const auto& transfer : waiting) wait(transfer->due);
+  for (const auto& transfer : waiting) wait(startsAt(*transfer, warming));
   for (const auto& timer : timers) wait(timer.first);
   return static_cast<int>(timeout.count());
 }
@@ -334,6 +358,7 @@ CurlTransport::~CurlTransport() {
 CurlTransport::TransferId CurlTransport::send(HttpRequest request, Completion completion,
                                               std::chrono::milliseconds delay) {
   auto transfer = std::make_unique<Transfer>();
+  transfer->origin = originOf(request.url).value_or("");
   transfer->request = std::move(request);
   transfer->completion = std::move(completion);
   transfer->due = Clock::now() + delay;

@@ -6,9 +6,13 @@
 // always has a connection the server has not yet closed for idleness, TLS
 // session included. A hold taken when the origin was never answered pings at
 // once: a connection opens while the guest decides. A guest who decides
-// within keepWarmEvery costs no ping at all. It stops when the hold is
-// released, after keepWarmFor, or when the client goes; the status of a ping's
-// answer does not matter, nor does a failure. Pings are not requests of the
+// within keepWarmEvery costs no ping at all. A request to the origin sent
+// while a ping is on the wire waits for it and takes its connection (see
+// HttpRequest::keepsConnectionWarm). It stops when the hold is released (a
+// ping then on the wire is left to end, not cancelled: that would close the
+// connection the checkout is waiting for), after keepWarmFor, or when the
+// client goes; the status of a ping's answer does not matter, nor does a
+// failure. Pings are not requests of the
 // module: they are neither retried, logged nor counted in
 // HttpClient::callsInFlight().
 

@@ -21,6 +21,11 @@ struct HttpRequest {
   /// The request line's target instead of the URL's path ("*" for a request
   /// to the server itself, as "OPTIONS *").
   std::optional<std::string> requestTarget = std::nullopt;
+  /// A no-op read that only keeps a connection to its origin open. Another
+  /// request to that origin that comes due while it is in flight waits for
+  /// it (the transport's connectTimeout at most) and then takes its
+  /// connection, rather than opening one more beside it.
+  bool keepsConnectionWarm = false;
 };
 
 /// Why no answer arrived: refused, reset, timed out, TLS, cancelled, ...
