@@ -11,6 +11,8 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <map>
 #include <string_view>
 #include <thread>
 #include <vector>
@@ -45,7 +47,8 @@ class RenewalRecoveryTest : public ::testing::Test {
     server = std::move(started.value());
   }
 
-  /// Starts `varnel renew ARGUMENTS --server ...` with the store `store`; output discarded.
+  /// Starts `varnel renew ARGUMENTS --server ...` with the store `store`;
+  /// its output is discarded, its errors kept for errorsOf.
   pid_t spawn(const std::string& store, const std::vector<std::string>& arguments) {
     // posix_spawn: a child forked from this many-threaded test must not
     // allocate before exec (another thread may hold the allocator's lock).
@@ -65,11 +68,18 @@ class RenewalRecoveryTest : public ::testing::Test {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    const fs::path errors = directory / ("child-" + std::to_string(errorFiles.size()) + ".err");
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     pid_t child = -1;
     EXPECT_EQ(posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), envp.data()), 0);
     posix_spawn_file_actions_destroy(&actions);
+    errorFiles[child] = errors;
     return child;
+  }
+  /// What `child` wrote to its standard error.
+  std::string errorsOf(pid_t child) const {
+    std::ifstream file(errorFiles.at(child));
+    return std::string(std::istreambuf_iterator<char>(file), {});
   }
   static int exitStatus(pid_t child) {
     int status = 0;
@@ -89,6 +99,7 @@ class RenewalRecoveryTest : public ::testing::Test {
 
   std::unique_ptr<mock::MockCommerceServer> server;
   fs::path directory;
+  std::map<pid_t, fs::path> errorFiles;
 };
 
 TEST_F(RenewalRecoveryTest, RacedRenewalsOfOnePassChargeOnceFromOneStoreOrFromMany) {
@@ -104,7 +115,7 @@ TEST_F(RenewalRecoveryTest, RacedRenewalsOfOnePassChargeOnceFromOneStoreOrFromMa
     int renewed = 0;
     for (pid_t child : renewals) {
       const int status = exitStatus(child);
-      EXPECT_TRUE(status == 0 || status == 1) << status;
+      EXPECT_TRUE(status == 0 || status == 1) << status << ": " << errorsOf(child);
       renewed += status == 0;
     }
     EXPECT_EQ(renewed, 1);
