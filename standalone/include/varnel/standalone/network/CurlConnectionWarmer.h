@@ -12,9 +12,8 @@
 // ping then on the wire is left to end, not cancelled: that would close the
 // connection the checkout is waiting for), after keepWarmFor, or when the
 // client goes; the status of a ping's answer does not matter, nor does a
-// failure. Pings are not requests of the
-// module: they are neither retried, logged nor counted in
-// HttpClient::callsInFlight().
+// failure. Pings are not requests of the module: they are neither retried,
+// logged nor counted in HttpClient::callsInFlight().
 
 #include <memory>
 #include <string>
